@@ -1,0 +1,54 @@
+#include "app/HeadlessReport.h"
+
+#include "report/Report.h"
+#include "scan/Fmt.h"
+#include "scan/Scanner.h"
+
+#include <chrono>
+#include <cstdio>
+#include <future>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+void showProgress(const Scanner::Progress &p)
+{
+    const QByteArray line = QStringLiteral("\r\033[KScanning… %1 files · %2")
+                                .arg(Fmt::count(p.files), Fmt::bytes(p.bytes))
+                                .toUtf8();
+    std::fwrite(line.constData(), 1, std::size_t(line.size()), stderr);
+    std::fflush(stderr);
+}
+
+} // namespace
+
+int runHeadlessReport(const std::string &path, CommandLine::ReportFormat format,
+                      std::optional<int> depth)
+{
+    struct stat st;
+    if (stat(path.c_str(), &st) != 0) {
+        std::fprintf(stderr, "dustmere: no such folder: %s\n", path.c_str());
+        return 2;
+    }
+    if (!S_ISDIR(st.st_mode)) {
+        std::fprintf(stderr, "dustmere: not a folder: %s\n", path.c_str());
+        return 2;
+    }
+
+    Scanner scanner;
+    auto result = std::async(std::launch::async, [&scanner, &path] { return scanner.scan(path); });
+    const bool terminal = isatty(STDERR_FILENO);
+    while (result.wait_for(std::chrono::milliseconds(150)) != std::future_status::ready) {
+        if (terminal)
+            showProgress(scanner.progress());
+    }
+    if (terminal)
+        std::fputs("\r\033[K", stderr);
+
+    Report::Input input{result.get(), scanner.bigFiles()};
+    const std::string out = format == CommandLine::ReportFormat::json ? Report::json(input, depth)
+                                                                      : Report::text(input);
+    std::fwrite(out.data(), 1, out.size(), stdout);
+    return std::fflush(stdout) == 0 ? 0 : 1;
+}

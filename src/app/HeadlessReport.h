@@ -1,0 +1,9 @@
+#pragma once
+
+#include "app/CommandLine.h"
+
+#include <string>
+
+// Scans a folder without a window and prints the report; returns the process exit status.
+int runHeadlessReport(const std::string &path, CommandLine::ReportFormat format,
+                      std::optional<int> depth);

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+class QString;
+
+// A small streaming JSON writer: reports of large trees are written without building a DOM.
+// Byte strings that are not valid UTF-8 (file names can be any bytes) are written with U+FFFD
+// in place of the invalid sequences, so the output stays valid JSON.
+class JsonWriter
+{
+public:
+    void beginObject();
+    void endObject();
+    void beginArray();
+    void endArray();
+    void key(std::string_view name);
+    void value(std::string_view bytes);
+    void value(const QString &text);
+    void value(const char *text) { value(std::string_view(text)); }
+    void value(std::uint64_t n);
+    void value(std::int64_t n);
+    void value(bool b);
+
+    [[nodiscard]] const std::string &text() const { return m_out; }
+    [[nodiscard]] std::string take() { return std::move(m_out); }
+
+private:
+    void separate();
+    void writeString(std::string_view utf8);
+
+    std::string m_out;
+    bool m_needComma = false;
+};
+
+[[nodiscard]] bool isValidUtf8(std::string_view bytes);

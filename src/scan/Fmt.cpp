@@ -1,0 +1,79 @@
+#include "scan/Fmt.h"
+
+#include <QLocale>
+
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+// A machine left in the C locale would print 1234567; readers expect grouping.
+QLocale numberLocale()
+{
+    QLocale locale;
+    if (locale.language() == QLocale::C)
+        locale = QLocale(QLocale::English, QLocale::UnitedStates);
+    locale.setNumberOptions(locale.numberOptions() & ~QLocale::OmitGroupSeparator);
+    return locale;
+}
+
+struct Unit
+{
+    const char *name;
+    int decimals;
+};
+
+constexpr std::array<Unit, 7> units = {{
+    {"bytes", 0},
+    {"KB", 0},
+    {"MB", 1},
+    {"GB", 2},
+    {"TB", 2},
+    {"PB", 2},
+    {"EB", 2},
+}};
+
+} // namespace
+
+QString Fmt::bytes(std::uint64_t n)
+{
+    const auto maxSigned = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+    if (n > maxSigned)
+        n = maxSigned;
+    if (n == 0)
+        return QStringLiteral("Zero KB");
+    if (n == 1)
+        return QStringLiteral("1 byte");
+
+    const QLocale locale = numberLocale();
+    if (n < 1000)
+        return locale.toString(static_cast<qulonglong>(n)) + QStringLiteral(" bytes");
+
+    // Pick the unit after rounding, so 999,999 bytes reads "1 MB" rather than "1,000 KB".
+    std::size_t u = 1;
+    double scaled = static_cast<double>(n) / 1000.0;
+    while (u + 1 < units.size()) {
+        const double factor = std::pow(10.0, units[u].decimals);
+        if (std::round(scaled * factor) / factor < 1000.0)
+            break;
+        scaled /= 1000.0;
+        ++u;
+    }
+    const double factor = std::pow(10.0, units[u].decimals);
+    const double rounded = std::round(scaled * factor) / factor;
+    QString text = locale.toString(rounded, 'f', units[u].decimals);
+    if (units[u].decimals > 0) {
+        const QString point = locale.decimalPoint();
+        while (text.endsWith(QLatin1Char('0')))
+            text.chop(1);
+        if (text.endsWith(point))
+            text.chop(point.size());
+    }
+    return text + QLatin1Char(' ') + QLatin1String(units[u].name);
+}
+
+QString Fmt::count(std::int64_t n)
+{
+    return numberLocale().toString(static_cast<qlonglong>(n));
+}

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+
+// The byte and count texts every view uses, so one number always reads the same way.
+namespace Fmt {
+
+// File-style byte count: decimal units, no fraction digits for bytes and KB, one for MB, two for
+// GB and larger, trailing zeros dropped, "Zero KB" for 0.
+[[nodiscard]] QString bytes(std::uint64_t n);
+
+// The count with the locale's digit grouping.
+[[nodiscard]] QString count(std::int64_t n);
+
+} // namespace Fmt

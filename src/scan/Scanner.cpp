@@ -1,0 +1,193 @@
+#include "scan/Scanner.h"
+
+#include "platform/Mounts.h"
+
+#include <QThread>
+#include <QThreadPool>
+
+#include <dirent.h>
+#include <fts.h>
+#include <sys/stat.h>
+
+namespace {
+
+std::uint64_t allocatedBytes(const struct stat &st)
+{
+    return st.st_blocks > 0 ? static_cast<std::uint64_t>(st.st_blocks) * Scanner::blockUnit : 0;
+}
+
+std::string joinPath(const std::string &folder, const char *name)
+{
+    std::string p = folder == "/" ? std::string("/") : folder + '/';
+    p += name;
+    return p;
+}
+
+} // namespace
+
+Scanner::Progress Scanner::progress() const
+{
+    std::lock_guard guard(m_lock);
+    return {m_files, m_bytes};
+}
+
+bool Scanner::cancelled() const
+{
+    std::lock_guard guard(m_lock);
+    return m_cancelled;
+}
+
+std::vector<BigFile> Scanner::bigFiles() const
+{
+    std::lock_guard guard(m_lock);
+    return m_bigFiles;
+}
+
+std::vector<NodePtr> Scanner::completed() const
+{
+    std::lock_guard guard(m_lock);
+    return m_completed;
+}
+
+void Scanner::cancel()
+{
+    std::lock_guard guard(m_lock);
+    m_cancelled = true;
+}
+
+bool Scanner::add(std::int64_t files, std::uint64_t bytes)
+{
+    std::lock_guard guard(m_lock);
+    m_files += files;
+    m_bytes += bytes;
+    return m_cancelled;
+}
+
+NodePtr Scanner::scan(const std::string &path)
+{
+    NodePtr root = Node::create(Node::rootName(path));
+    root->setBasePath(path);
+
+    std::vector<NodePtr> topLevel;
+    std::vector<BigFile> bigFiles;
+    if (DIR *dir = opendir(path.c_str())) {
+        while (const dirent *entry = readdir(dir)) {
+            const std::string_view name = entry->d_name;
+            if (name == "." || name == "..")
+                continue;
+            const std::string entryPath = joinPath(path, entry->d_name);
+            struct stat st;
+            if (lstat(entryPath.c_str(), &st) != 0)
+                continue;
+            if (S_ISDIR(st.st_mode)) {
+                topLevel.push_back(Node::create(std::string(name), root));
+                continue;
+            }
+            const std::uint64_t bytes = allocatedBytes(st);
+            root->addLoose(bytes);
+            if (bytes >= bigFileThreshold)
+                bigFiles.push_back({entryPath, bytes, static_cast<std::int64_t>(st.st_mtime)});
+        }
+        closedir(dir);
+    }
+    {
+        std::lock_guard guard(m_lock);
+        m_bigFiles.insert(m_bigFiles.end(), bigFiles.begin(), bigFiles.end());
+    }
+    add(root->looseFiles(), root->looseSize());
+
+    // Virtual file systems hold no disk space; their folders stay empty nodes.
+    const auto skipped = path == "/" ? Mounts::virtualMountPoints() : Mounts::PathSet{};
+
+    QThreadPool pool;
+    pool.setMaxThreadCount(QThread::idealThreadCount());
+    for (const NodePtr &folder : topLevel) {
+        pool.start([this, folder, &skipped] {
+            const std::string folderPath = folder->path();
+            if (!skipped.contains(folderPath))
+                scanSubtree(*folder, folderPath);
+            std::lock_guard guard(m_lock);
+            m_completed.push_back(folder);
+        });
+    }
+    pool.waitForDone();
+
+    if (cancelled())
+        return nullptr;
+    root->setChildren(std::move(topLevel));
+    root->finish();
+    return root;
+}
+
+void Scanner::scanSubtree(Node &node, const std::string &path)
+{
+    std::string pathBytes = path; // fts wants a mutable, NUL-terminated array
+    char *roots[] = {pathBytes.data(), nullptr};
+    FTS *fts = fts_open(roots, FTS_PHYSICAL | FTS_NOCHDIR | FTS_XDEV, nullptr);
+    if (!fts)
+        return;
+
+    std::vector<Node *> stack;
+    std::vector<BigFile> bigFiles;
+    std::int64_t pendingFiles = 0;
+    std::uint64_t pendingBytes = 0;
+    bool stopped = false;
+
+    while (FTSENT *entry = fts_read(fts)) {
+        switch (entry->fts_info) {
+        case FTS_D: {
+            Node *folder = &node;
+            if (entry->fts_level != 0) {
+                Node *parent = stack.back();
+                NodePtr child = std::make_shared<Node>(std::string(entry->fts_name, entry->fts_namelen));
+                child->setParent(parent->shared_from_this());
+                folder = child.get();
+                parent->appendChild(std::move(child));
+            }
+            entry->fts_pointer = folder;
+            stack.push_back(folder);
+            break;
+        }
+        case FTS_DP:
+        case FTS_DNR:
+        case FTS_ERR:
+            if (!stack.empty() && entry->fts_pointer && entry->fts_pointer == stack.back()) {
+                stack.back()->finish();
+                stack.pop_back();
+            }
+            break;
+        case FTS_F:
+        case FTS_SL:
+        case FTS_SLNONE:
+        case FTS_DEFAULT: {
+            if (!entry->fts_statp || stack.empty())
+                break;
+            const std::uint64_t bytes = allocatedBytes(*entry->fts_statp);
+            stack.back()->addLoose(bytes);
+            if (bytes >= bigFileThreshold && entry->fts_info == FTS_F) {
+                bigFiles.push_back({std::string(entry->fts_path, entry->fts_pathlen), bytes,
+                                    static_cast<std::int64_t>(entry->fts_statp->st_mtime)});
+            }
+            ++pendingFiles;
+            pendingBytes += bytes;
+            if (pendingFiles >= progressBatch) {
+                stopped = add(pendingFiles, pendingBytes);
+                pendingFiles = 0;
+                pendingBytes = 0;
+            }
+            break;
+        }
+        default:
+            break;
+        }
+        if (stopped)
+            break;
+    }
+    if (!stopped)
+        add(pendingFiles, pendingBytes);
+    {
+        std::lock_guard guard(m_lock);
+        m_bigFiles.insert(m_bigFiles.end(), bigFiles.begin(), bigFiles.end());
+    }
+    fts_close(fts);
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "scan/BigFile.h"
+#include "scan/Node.h"
+
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <vector>
+
+// Measures one folder into a size tree. scan() blocks its (background) thread and walks the
+// top-level sub-folders in parallel; the lock-guarded counters and lists below are what other
+// threads may poll meanwhile. One scanner serves one scan.
+class Scanner
+{
+public:
+    static constexpr std::uint64_t blockUnit = 512;
+    static constexpr std::uint64_t bigFileThreshold = 25'000'000;
+    static constexpr std::int64_t progressBatch = 2'000;
+
+    struct Progress
+    {
+        std::int64_t files = 0;
+        std::uint64_t bytes = 0;
+        bool operator==(const Progress &) const = default;
+    };
+
+    [[nodiscard]] Progress progress() const;
+    [[nodiscard]] bool cancelled() const;
+    [[nodiscard]] std::vector<BigFile> bigFiles() const;
+    [[nodiscard]] std::vector<NodePtr> completed() const;
+    void cancel();
+    // Reports progress and polls for cancellation with one lock acquisition.
+    bool add(std::int64_t files, std::uint64_t bytes);
+
+    // The finished root, or nullptr when the scan was cancelled.
+    [[nodiscard]] NodePtr scan(const std::string &path);
+    void scanSubtree(Node &node, const std::string &path);
+
+private:
+    mutable std::mutex m_lock;
+    std::int64_t m_files = 0;
+    std::uint64_t m_bytes = 0;
+    bool m_cancelled = false;
+    std::vector<BigFile> m_bigFiles;
+    std::vector<NodePtr> m_completed;
+};

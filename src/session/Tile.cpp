@@ -1,0 +1,77 @@
+#include "session/Tile.h"
+
+#include "scan/Fmt.h"
+
+#include <algorithm>
+#include <cmath>
+
+const std::string Tile::otherId = std::string(1, '\0') + "other";
+const std::string Tile::looseId = std::string(1, '\0') + "loose";
+
+QString Metrics::label(Metric m)
+{
+    return m == Metric::size ? QStringLiteral("Size") : QStringLiteral("Files");
+}
+
+double Metrics::valueOf(Metric m, const Node &node)
+{
+    return m == Metric::size ? static_cast<double>(node.size()) : static_cast<double>(node.files());
+}
+
+double Metrics::looseValueOf(Metric m, const Node &node)
+{
+    return m == Metric::size ? static_cast<double>(node.looseSize())
+                             : static_cast<double>(node.looseFiles());
+}
+
+QString Metrics::format(Metric m, double value)
+{
+    if (m == Metric::files)
+        return Fmt::count(static_cast<std::int64_t>(std::trunc(value))) + QStringLiteral(" files");
+    return Fmt::bytes(value <= 0 ? 0 : static_cast<std::uint64_t>(value));
+}
+
+QString Modes::label(Mode m)
+{
+    switch (m) {
+    case Mode::map: return QStringLiteral("Map");
+    case Mode::ranking: return QStringLiteral("Ranking");
+    case Mode::bounties: return QStringLiteral("Bounties");
+    }
+    return {};
+}
+
+std::vector<Tile> makeTiles(const Node *current, Metric metric, int limit)
+{
+    std::vector<Tile> tiles;
+    if (!current)
+        return tiles;
+
+    std::vector<NodePtr> folders = current->children();
+    std::stable_sort(folders.begin(), folders.end(), [metric](const NodePtr &a, const NodePtr &b) {
+        return Metrics::valueOf(metric, *a) > Metrics::valueOf(metric, *b);
+    });
+
+    const std::size_t shown = std::min(folders.size(), static_cast<std::size_t>(std::max(limit, 0)));
+    tiles.reserve(shown + 2);
+    for (std::size_t i = 0; i < shown; ++i) {
+        const NodePtr &n = folders[i];
+        const double v = Metrics::valueOf(metric, *n);
+        if (v > 0)
+            tiles.push_back({n->name(), Tile::Folder{n}, n->name(), v});
+    }
+
+    double rest = 0;
+    for (std::size_t i = shown; i < folders.size(); ++i)
+        rest += Metrics::valueOf(metric, *folders[i]);
+    if (rest > 0) {
+        const auto count = static_cast<std::int64_t>(folders.size() - shown);
+        tiles.push_back({Tile::otherId, Tile::Other{count}, std::to_string(count) + " smaller folders",
+                         rest});
+    }
+
+    const double loose = Metrics::looseValueOf(metric, *current);
+    if (loose > 0)
+        tiles.push_back({Tile::looseId, Tile::Loose{}, "Loose files", loose});
+    return tiles;
+}

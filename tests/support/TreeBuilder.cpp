@@ -1,0 +1,97 @@
+#include "support/TreeBuilder.h"
+
+#include <QProcess>
+#include <QTest>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace TreeBuilder {
+
+void makeDir(const QByteArray &path)
+{
+    if (mkdir(path.constData(), 0755) != 0 && errno != EEXIST)
+        qFatal("mkdir %s failed", path.constData());
+}
+
+std::uint64_t makeFile(const QByteArray &path, std::uint64_t bytes)
+{
+    const int fd = open(path.constData(), O_CREAT | O_WRONLY | O_TRUNC, 0644);
+    if (fd < 0)
+        qFatal("cannot create %s", path.constData());
+    if (bytes > 0 && posix_fallocate(fd, 0, off_t(bytes)) != 0) {
+        // Some file systems refuse fallocate: write the bytes instead.
+        const QByteArray chunk(1 << 20, 'x');
+        for (std::uint64_t left = bytes; left > 0;) {
+            const auto n = std::min<std::uint64_t>(left, std::uint64_t(chunk.size()));
+            if (write(fd, chunk.constData(), n) != ssize_t(n))
+                qFatal("cannot write %s", path.constData());
+            left -= n;
+        }
+    }
+    close(fd);
+    return allocated(path);
+}
+
+void makeSparse(const QByteArray &path, std::uint64_t logicalBytes)
+{
+    const int fd = open(path.constData(), O_CREAT | O_WRONLY | O_TRUNC, 0644);
+    if (fd < 0 || ftruncate(fd, off_t(logicalBytes)) != 0)
+        qFatal("cannot make sparse %s", path.constData());
+    close(fd);
+}
+
+void makeSymlink(const QByteArray &target, const QByteArray &link)
+{
+    if (symlink(target.constData(), link.constData()) != 0)
+        qFatal("symlink %s failed", link.constData());
+}
+
+void makeHardLink(const QByteArray &existing, const QByteArray &link)
+{
+    if (::link(existing.constData(), link.constData()) != 0)
+        qFatal("link %s failed", link.constData());
+}
+
+void makeFifo(const QByteArray &path)
+{
+    if (mkfifo(path.constData(), 0644) != 0)
+        qFatal("mkfifo %s failed", path.constData());
+}
+
+void setModified(const QByteArray &path, std::time_t when)
+{
+    const timespec times[2] = {{when, 0}, {when, 0}};
+    if (utimensat(AT_FDCWD, path.constData(), times, AT_SYMLINK_NOFOLLOW) != 0)
+        qFatal("utimensat %s failed", path.constData());
+}
+
+std::uint64_t allocated(const QByteArray &path)
+{
+    struct stat st;
+    if (lstat(path.constData(), &st) != 0)
+        return 0;
+    return std::uint64_t(st.st_blocks) * 512;
+}
+
+Totals findTotals(const QByteArray &root)
+{
+    QProcess find;
+    find.start(QStringLiteral("find"), {QFile::decodeName(root), QStringLiteral("-xdev"),
+                                        QStringLiteral("-not"), QStringLiteral("-type"),
+                                        QStringLiteral("d"), QStringLiteral("-printf"),
+                                        QStringLiteral("%b\\n")});
+    if (!find.waitForFinished(300'000))
+        qFatal("find did not finish");
+    Totals t;
+    for (const QByteArray &line : find.readAllStandardOutput().split('\n')) {
+        if (line.isEmpty())
+            continue;
+        t.bytes += line.toULongLong() * 512;
+        ++t.files;
+    }
+    return t;
+}
+
+} // namespace TreeBuilder

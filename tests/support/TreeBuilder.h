@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <cstdint>
+#include <ctime>
+
+// Builds real folder trees for tests. Paths are bytes so names may hold any byte but '/' and NUL.
+// Allocated sizes are what the scanner measures, so files are given real blocks with fallocate.
+namespace TreeBuilder {
+
+void makeDir(const QByteArray &path);
+// A file with at least `bytes` allocated; returns its st_blocks × 512.
+std::uint64_t makeFile(const QByteArray &path, std::uint64_t bytes = 0);
+void makeSparse(const QByteArray &path, std::uint64_t logicalBytes);
+void makeSymlink(const QByteArray &target, const QByteArray &link);
+void makeHardLink(const QByteArray &existing, const QByteArray &link);
+void makeFifo(const QByteArray &path);
+void setModified(const QByteArray &path, std::time_t when);
+[[nodiscard]] std::uint64_t allocated(const QByteArray &path);
+
+// Sum of st_blocks × 512 and count of every non-folder entry below root on root's device, as
+// `find -xdev` sees them: an independent measure to compare the scanner against.
+struct Totals
+{
+    std::uint64_t bytes = 0;
+    std::int64_t files = 0;
+};
+[[nodiscard]] Totals findTotals(const QByteArray &root);
+
+} // namespace TreeBuilder
