@@ -103,9 +103,13 @@ NodePtr Scanner::scan(const std::string &path)
     pool.setMaxThreadCount(QThread::idealThreadCount());
     for (const NodePtr &folder : topLevel) {
         pool.start([this, folder, &skipped] {
+            // Folders still queued when the scan is cancelled are not walked; a walk cut short
+            // is not reported as completed.
+            if (cancelled())
+                return;
             const std::string folderPath = folder->path();
-            if (!skipped.contains(folderPath))
-                scanSubtree(*folder, folderPath);
+            if (!skipped.contains(folderPath) && !scanSubtree(*folder, folderPath))
+                return;
             std::lock_guard guard(m_lock);
             m_completed.push_back(folder);
         });
@@ -119,13 +123,13 @@ NodePtr Scanner::scan(const std::string &path)
     return root;
 }
 
-void Scanner::scanSubtree(Node &node, const std::string &path)
+bool Scanner::scanSubtree(Node &node, const std::string &path)
 {
     std::string pathBytes = path; // fts wants a mutable, NUL-terminated array
     char *roots[] = {pathBytes.data(), nullptr};
     FTS *fts = fts_open(roots, FTS_PHYSICAL | FTS_NOCHDIR | FTS_XDEV, nullptr);
     if (!fts)
-        return;
+        return true;
 
     std::vector<Node *> stack;
     std::vector<BigFile> bigFiles;
@@ -190,4 +194,5 @@ void Scanner::scanSubtree(Node &node, const std::string &path)
         m_bigFiles.insert(m_bigFiles.end(), bigFiles.begin(), bigFiles.end());
     }
     fts_close(fts);
+    return !stopped;
 }

@@ -35,7 +35,8 @@ public:
 
     // The finished root, or nullptr when the scan was cancelled.
     [[nodiscard]] NodePtr scan(const std::string &path);
-    void scanSubtree(Node &node, const std::string &path);
+    // Walks one top-level folder; false when the walk stopped because the scan was cancelled.
+    bool scanSubtree(Node &node, const std::string &path);
 
 private:
     mutable std::mutex m_lock;

@@ -1,5 +1,7 @@
 #include "support/TestSandbox.h"
 
+#include "support/TreeBuilder.h"
+
 #include <QDir>
 
 namespace {
@@ -23,4 +25,11 @@ TestSandbox::TestSandbox() : m_dir(QDir::tempPath() + QStringLiteral("/dustmere-
 TestSandbox *TestSandbox::instance()
 {
     return current;
+}
+
+TestSandbox::~TestSandbox()
+{
+    // QDir cannot remove names that are not valid UTF-8; the byte-level walk can.
+    TreeBuilder::removeTree(QFile::encodeName(m_dir.path()));
+    current = nullptr;
 }

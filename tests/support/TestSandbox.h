@@ -12,6 +12,9 @@ class TestSandbox
 {
 public:
     TestSandbox();
+    ~TestSandbox();
+    TestSandbox(const TestSandbox &) = delete;
+    TestSandbox &operator=(const TestSandbox &) = delete;
 
     [[nodiscard]] QString root() const { return m_dir.path(); }
     [[nodiscard]] QString home() const { return m_dir.path() + QStringLiteral("/home"); }

@@ -3,7 +3,10 @@
 #include <QProcess>
 #include <QTest>
 
+#include <QDir>
+
 #include <fcntl.h>
+#include <ftw.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -73,6 +76,25 @@ std::uint64_t allocated(const QByteArray &path)
     if (lstat(path.constData(), &st) != 0)
         return 0;
     return std::uint64_t(st.st_blocks) * 512;
+}
+
+void removeTree(const QByteArray &root)
+{
+    const QByteArray temp = QFile::encodeName(QDir::tempPath()) + '/';
+    if (!root.startsWith(temp) || root.size() <= temp.size() || root.contains("/../"))
+        qFatal("refusing to remove %s", root.constData());
+    nftw(
+        root.constData(),
+        [](const char *path, const struct stat *st, int type, FTW *) {
+            if (type == FTW_DP || type == FTW_D || type == FTW_DNR) {
+                chmod(path, (st->st_mode & 07777) | S_IRWXU);
+                rmdir(path);
+            } else {
+                unlink(path);
+            }
+            return 0;
+        },
+        32, FTW_DEPTH | FTW_PHYS | FTW_MOUNT);
 }
 
 Totals findTotals(const QByteArray &root)

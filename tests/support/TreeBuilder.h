@@ -20,6 +20,10 @@ void makeFifo(const QByteArray &path);
 void setModified(const QByteArray &path, std::time_t when);
 [[nodiscard]] std::uint64_t allocated(const QByteArray &path);
 
+// Removes a test's own folder tree, whatever bytes its names hold. Refuses anything outside the
+// temporary folder and never crosses into another mounted file system.
+void removeTree(const QByteArray &root);
+
 // Sum of st_blocks × 512 and count of every non-folder entry below root on root's device, as
 // `find -xdev` sees them: an independent measure to compare the scanner against.
 struct Totals

@@ -1,0 +1,173 @@
+#include "report/JsonWriter.h"
+#include "report/Report.h"
+#include "scan/Scanner.h"
+#include "support/TestSandbox.h"
+#include "support/TreeBuilder.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+
+using namespace TreeBuilder;
+
+namespace {
+
+QByteArray tree()
+{
+    return QFile::encodeName(TestSandbox::instance()->root()) + "/tree";
+}
+
+struct Run
+{
+    int exitCode = -1;
+    QByteArray out;
+    QByteArray err;
+};
+
+Run dustmere(const QStringList &args, const QProcessEnvironment &env = QProcessEnvironment::systemEnvironment())
+{
+    QProcess p;
+    p.setProcessEnvironment(env);
+    p.start(qEnvironmentVariable("DUSTMERE_BINARY"), args);
+    if (!p.waitForFinished(60'000))
+        qFatal("dustmere did not finish");
+    return {p.exitCode(), p.readAllStandardOutput(), p.readAllStandardError()};
+}
+
+} // namespace
+
+class TestReport : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        const QByteArray t = tree();
+        makeDir(t);
+        makeDir(t + "/a");
+        makeDir(t + "/a/deep");
+        makeFile(t + "/a/deep/x", 40'000);
+        makeDir(t + "/quote\" back\\slash\nnewline\t");
+        makeFile(t + "/quote\" back\\slash\nnewline\t/y", 8192);
+        makeDir(t + "/latin1 \xe9t\xe9");
+        makeFile(t + "/big", Scanner::bigFileThreshold);
+        setModified(t + "/big", 1'700'000'000);
+    }
+
+    void utf8Validation()
+    {
+        QVERIFY(isValidUtf8("plain"));
+        QVERIFY(isValidUtf8("caf\xc3\xa9 \xe6\x97\xa5\xf0\x9f\x90\x89"));
+        QVERIFY(!isValidUtf8("\xe9t\xe9"));
+        QVERIFY(!isValidUtf8("\xc0\xaf"));         // overlong "/"
+        QVERIFY(!isValidUtf8("\xed\xa0\x80"));     // surrogate
+        QVERIFY(!isValidUtf8("\xf4\x90\x80\x80")); // beyond U+10FFFF
+        QVERIFY(!isValidUtf8("\xe6\x97"));         // cut short
+    }
+
+    void jsonIsValidWhateverTheNames()
+    {
+        Scanner scanner;
+        const NodePtr root = scanner.scan(tree().toStdString());
+        const std::string json = Report::json({root, scanner.bigFiles()});
+        QJsonParseError error;
+        const QJsonDocument doc = QJsonDocument::fromJson(QByteArray::fromStdString(json), &error);
+        QCOMPARE(error.error, QJsonParseError::NoError);
+
+        const QJsonObject r = doc["root"].toObject();
+        QCOMPARE(r["path"].toString(), QFile::decodeName(tree()));
+        QCOMPARE(r["size"].toInteger(), qint64(root->size()));
+        QCOMPARE(r["files"].toInteger(), 3);
+        QCOMPARE(r["looseFiles"].toInteger(), 1);
+        QStringList names;
+        for (const QJsonValue c : r["children"].toArray()) {
+            names << c["name"].toString();
+            QVERIFY(!c.toObject().contains(QStringLiteral("path"))); // only the root has one
+        }
+        QCOMPARE(names, (QStringList{QStringLiteral("a"), QStringLiteral("quote\" back\\slash\nnewline\t"),
+                                     QStringLiteral("latin1 \uFFFDt\uFFFD")}));
+        const QJsonObject big = doc["bigFiles"].toArray().at(0).toObject();
+        QCOMPARE(big["modified"].toInteger(), 1'700'000'000);
+        QVERIFY(big["path"].toString().endsWith(QStringLiteral("/big")));
+    }
+
+    void depthLimitsChildren()
+    {
+        Scanner scanner;
+        const NodePtr root = scanner.scan(tree().toStdString());
+        const auto childrenAt = [&](int depth) {
+            const QJsonDocument d = QJsonDocument::fromJson(QByteArray::fromStdString(Report::json({root, {}}, depth)));
+            return d["root"].toObject();
+        };
+        QVERIFY(!childrenAt(0).contains(QStringLiteral("children")));
+        const QJsonObject one = childrenAt(1);
+        QCOMPARE(one["children"].toArray().size(), 3);
+        QVERIFY(!one["children"].toArray().at(0).toObject().contains(QStringLiteral("children")));
+        QCOMPARE(childrenAt(2)["children"].toArray().at(0)["children"].toArray().size(), 1);
+    }
+
+    void commandLineReports()
+    {
+        const Run json = dustmere({QStringLiteral("--scan=") + QFile::decodeName(tree()) + QStringLiteral("/"),
+                                   QStringLiteral("--report=json"), QStringLiteral("--depth=1")});
+        QCOMPARE(json.exitCode, 0);
+        QVERIFY(json.err.isEmpty()); // no progress line when stderr is not a terminal
+        const QJsonObject r = QJsonDocument::fromJson(json.out)["root"].toObject();
+        QCOMPARE(r["name"].toString(), QStringLiteral("tree"));
+        QCOMPARE(r["path"].toString(), QFile::decodeName(tree()));
+
+        const Run text = dustmere({QStringLiteral("--scan=") + QFile::decodeName(tree()), QStringLiteral("--report")});
+        QCOMPARE(text.exitCode, 0);
+        QVERIFY(text.out.startsWith("Dustmere · " + tree()));
+        QVERIFY(text.out.contains("3 files"));
+    }
+
+    void badInputGivesOneLineAndStatusTwo_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        const QString t = QFile::decodeName(tree());
+        QTest::newRow("missing") << QStringList{QStringLiteral("--scan=") + t + QStringLiteral("/nope"), QStringLiteral("--report")};
+        QTest::newRow("a file") << QStringList{QStringLiteral("--scan=") + t + QStringLiteral("/big"), QStringLiteral("--report=json")};
+        QTest::newRow("format") << QStringList{QStringLiteral("--report=xml")};
+        QTest::newRow("depth") << QStringList{QStringLiteral("--report=json"), QStringLiteral("--depth=-1")};
+        QTest::newRow("unknown") << QStringList{QStringLiteral("--frobnicate")};
+    }
+
+    void badInputGivesOneLineAndStatusTwo()
+    {
+        QFETCH(QStringList, args);
+        const Run run = dustmere(args);
+        QCOMPARE(run.exitCode, 2);
+        QVERIFY(run.out.isEmpty());
+        QVERIFY(run.err.startsWith("dustmere: "));
+        QCOMPARE(run.err.count('\n'), 1);
+    }
+
+    void helpAndVersion()
+    {
+        const Run help = dustmere({QStringLiteral("--help")});
+        QCOMPARE(help.exitCode, 0);
+        QVERIFY(help.out.contains("--scan=PATH"));
+        const Run version = dustmere({QStringLiteral("--version")});
+        QCOMPARE(version.exitCode, 0);
+        QVERIFY(version.out.startsWith("dustmere "));
+    }
+
+    void withoutADisplayTheHomeFolderIsReported()
+    {
+        const QByteArray home = QFile::encodeName(TestSandbox::instance()->home());
+        makeFile(home + "/note", 4096);
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.remove(QStringLiteral("DISPLAY"));
+        env.remove(QStringLiteral("WAYLAND_DISPLAY"));
+        env.insert(QStringLiteral("HOME"), QFile::decodeName(home));
+        const Run run = dustmere({}, env);
+        QCOMPARE(run.exitCode, 0);
+        QVERIFY(run.out.startsWith("Dustmere · " + home + "\n"));
+    }
+};
+
+DUSTMERE_TEST_MAIN(TestReport)
+#include "test_report.moc"
