@@ -1,0 +1,164 @@
+#include "game/Lore.h"
+
+#include "game/Djb2.h"
+
+#include <QFile>
+#include <QHash>
+#include <QRegularExpression>
+#include <QTextBoundaryFinder>
+#include <array>
+#include <span>
+
+namespace {
+
+const QHash<QString, QString> &knownNames()
+{
+    static const QHash<QString, QString> names = [] {
+        const std::pair<const char *, const char *> table[] = {
+            {"library", "The Great Archive"},
+            {"caches", "Caverns of Echoes"},
+            {"cache", "Echo Grotto"},
+            {"downloads", "Port of Arrivals"},
+            {"documents", "The Scriptorium"},
+            {"desktop", "The Workbench"},
+            {"pictures", "Gallery of Visions"},
+            {"movies", "Theatre of Dreams"},
+            {"music", "The Bardic Halls"},
+            {"applications", "Guild of Artificers"},
+            {"projects", "The Forge"},
+            {"developer", "Tinkerer's Den"},
+            {"logs", "Hall of Records"},
+            {"containers", "The Jar Fields"},
+            {"group containers", "The Shared Jars"},
+            {"application support", "Quartermaster's Keep"},
+            {"mobile documents", "Cloud Citadel"},
+            {"mail", "Raven Post"},
+            {"public", "Town Square"},
+            {"node_modules", "The Endless Thicket"},
+            {".git", "Chronicle Vault"},
+            {".trash", "Sea of Forgotten Things"},
+            {".npm", "Packrat's Burrow"},
+            {".cache", "Hoarder's Attic"},
+            {".ssh", "Keymaster's Lock"},
+            {".docker", "Harbour of Crates"},
+            {"com.docker.docker", "Harbour of Crates"},
+            {".ollama", "Oracle's Grove"},
+            {"models", "Hall of Oracles"},
+            {"deriveddata", "Smithy Ashes"},
+            {"venv", "Serpent's Den"},
+            {".venv", "Serpent's Den"},
+            {"target", "Rust Forge"},
+            {"build", "Builder's Yard"},
+            {"dist", "The Distillery"},
+            {".next", "Next Frontier"},
+            {"go", "Gopher Warrens"},
+            {"pkg", "Parcel Depot"},
+            {"src", "The Wellspring"},
+            {"users", "Commons of Folk"},
+            {"system", "The Clockwork Core"},
+        };
+        QHash<QString, QString> h;
+        for (const auto &[folder, place] : table)
+            h.insert(QString::fromUtf8(folder), QString::fromUtf8(place));
+        return h;
+    }();
+    return names;
+}
+
+constexpr std::array<const char *, 4> microbeTemplates = {"Meadows of %@", "%@ Downs", "%@ Fields",
+                                                          "Little %@"};
+constexpr std::array<const char *, 4> gremlinTemplates = {"%@ Woods", "Glade of %@", "%@ Hollow",
+                                                          "%@ Copse"};
+constexpr std::array<const char *, 4> ogreTemplates = {"Forest of %@", "%@ Weald", "Deepwood %@",
+                                                       "%@ Wildwood"};
+constexpr std::array<const char *, 4> dragonTemplates = {"%@ Highlands", "Crags of %@", "%@ Ridge",
+                                                         "Dragonback %@"};
+constexpr std::array<const char *, 4> titanTemplates = {"Peaks of %@", "Mount %@", "%@ Spires",
+                                                        "Throne of %@"};
+constexpr std::array<const char *, 3> islandTemplates = {"%@ Isles", "%@ Shoals", "%@ Reef"};
+constexpr std::array<const char *, 4> veilWords = {"Veiled", "Secret", "Hidden", "Shrouded"};
+
+std::span<const char *const> templates(std::optional<Tier> tier)
+{
+    if (!tier)
+        return islandTemplates;
+    switch (*tier) {
+    case Tier::microbe:
+        return microbeTemplates;
+    case Tier::gremlin:
+        return gremlinTemplates;
+    case Tier::ogre:
+        return ogreTemplates;
+    case Tier::dragon:
+        return dragonTemplates;
+    case Tier::titan:
+        break;
+    }
+    return titanTemplates;
+}
+
+// The first user-perceived character upper-cased, the rest untouched.
+QString capitalized(const QString &piece)
+{
+    QTextBoundaryFinder graphemes(QTextBoundaryFinder::Grapheme, piece);
+    const qsizetype end = graphemes.toNextBoundary();
+    if (end <= 0)
+        return piece;
+    return piece.left(end).toUpper() + piece.mid(end);
+}
+
+QString trimmedSpacesAndTabs(const QString &s)
+{
+    qsizetype begin = 0;
+    qsizetype end = s.size();
+    const auto blank = [](QChar c) { return c == u' ' || c == u'\t'; };
+    while (begin < end && blank(s[begin]))
+        ++begin;
+    while (end > begin && blank(s[end - 1]))
+        --end;
+    return s.mid(begin, end - begin);
+}
+
+QString cleaned(const QString &folderName)
+{
+    static const QRegularExpression separators(QStringLiteral("[._\\-~]+"));
+    QString spaced = folderName;
+    spaced.replace(separators, QStringLiteral(" "));
+    const QStringList pieces =
+        trimmedSpacesAndTabs(spaced).split(u' ', Qt::SkipEmptyParts).mid(0, 3);
+    QStringList words;
+    for (const QString &piece : pieces)
+        words.append(capitalized(piece));
+    const QString joined = words.join(u' ');
+    return joined.isEmpty() ? folderName : joined;
+}
+
+} // namespace
+
+QString Lore::name(std::string_view folderName, std::optional<Tier> tier)
+{
+    const QString decoded =
+        QFile::decodeName(QByteArray(folderName.data(), qsizetype(folderName.size())));
+    if (const auto known = knownNames().constFind(decoded.toLower()); known != knownNames().cend())
+        return *known;
+
+    const std::uint64_t h = djb2(folderName);
+    const auto list = templates(tier);
+    QString place = QString::fromUtf8(list[h % list.size()]);
+    place.replace(QStringLiteral("%@"), cleaned(decoded));
+    if (folderName.starts_with('.'))
+        place = QString::fromUtf8(veilWords[(h / 7) % veilWords.size()]) + u' ' + place;
+    return place;
+}
+
+QString Lore::placeName(std::optional<std::string_view> path, std::string_view folderName,
+                        std::optional<Tier> tier, const CustomNames &customNames, bool fantasyNames)
+{
+    if (path) {
+        if (const auto custom = customNames.find(*path); custom != customNames.end())
+            return custom->second;
+    }
+    if (fantasyNames)
+        return name(folderName, tier);
+    return QFile::decodeName(QByteArray(folderName.data(), qsizetype(folderName.size())));
+}
