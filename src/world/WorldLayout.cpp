@@ -1,0 +1,150 @@
+#include "world/WorldLayout.h"
+
+#include "game/Djb2.h"
+#include "world/RegionBuilder.h"
+#include "world/Rivers.h"
+#include "world/SplitMix64.h"
+#include "world/Squarify.h"
+
+#include <QByteArray>
+#include <algorithm>
+#include <bit>
+
+namespace {
+
+// FNV-1a over the inputs that change the drawing; only equality within one run matters.
+class KeyHash
+{
+public:
+    void add(const void *data, std::size_t size)
+    {
+        const auto *bytes = static_cast<const unsigned char *>(data);
+        for (std::size_t i = 0; i < size; ++i) {
+            m_h ^= bytes[i];
+            m_h *= 0x100000001B3ULL;
+        }
+    }
+    void add(double v)
+    {
+        const double normal = v == 0 ? 0.0 : v; // -0 and 0 draw alike
+        add(&normal, sizeof normal);
+    }
+    void add(std::int64_t v) { add(&v, sizeof v); }
+    void add(bool v) { add(static_cast<std::int64_t>(v)); }
+    void add(const std::string &s)
+    {
+        add(static_cast<std::int64_t>(s.size()));
+        add(s.data(), s.size());
+    }
+    void add(const QString &s)
+    {
+        add(static_cast<std::int64_t>(s.size()));
+        add(s.constData(), static_cast<std::size_t>(s.size()) * sizeof(QChar));
+    }
+    [[nodiscard]] std::int64_t value() const { return std::bit_cast<std::int64_t>(m_h); }
+
+private:
+    std::uint64_t m_h = 0xCBF29CE484222325ULL;
+};
+
+constexpr double waveRowStep = 46;
+constexpr double waveColumnStep = 64;
+constexpr double waveClearance = 22;
+
+std::vector<QPointF> makeWaves(QSizeF size, const QRectF &land, SplitMix64 &random)
+{
+    std::vector<QPointF> waves;
+    const double w = size.width();
+    const double h = size.height();
+    if (h <= 14)
+        return waves;
+    const QRectF clear =
+        land.adjusted(-waveClearance, -waveClearance, waveClearance, waveClearance);
+    // Half-open, like the layout's other rectangles: the far edges are outside.
+    const auto inClear = [&clear](QPointF p) {
+        return p.x() >= clear.left() && p.x() < clear.right() && p.y() >= clear.top() &&
+               p.y() < clear.bottom();
+    };
+    for (double y = 14; y < h; y += waveRowStep) {
+        const double x0 = (static_cast<int>(y) / 50) % 2 == 1 ? 48 : 18;
+        for (double x = x0; x < w; x += waveColumnStep) {
+            const double px = x + 20 * random.unit() - 10;
+            const double py = y + 12 * random.unit() - 6;
+            if (!inClear({px, py}))
+                waves.emplace_back(px, py);
+        }
+    }
+    return waves;
+}
+
+QRectF landOf(QSizeF size)
+{
+    const double w = size.width();
+    const double h = size.height();
+    const double margin = std::max(0.05 * std::min(w, h), 28.0);
+    // A world narrower than two margins keeps an empty land in its middle rather than a
+    // negative one.
+    const double lw = std::max(w - 2 * margin, 0.0);
+    const double lh = std::max(h - 2 * margin, 0.0);
+    return {std::min(margin, w / 2), std::min(margin, h / 2), lw, lh};
+}
+
+} // namespace
+
+WorldLayout WorldLayout::build(const std::vector<Tile> &tiles, const std::string &key, QSizeF size,
+                               const Explored &explored, const Bounties &bounties,
+                               const Title &title)
+{
+    WorldLayout layout;
+    layout.size = size;
+    layout.land = landOf(size);
+
+    const std::uint64_t seed = djb2(key);
+    const double phase = static_cast<double>(seed % 10000) / 97.0;
+    const double amplitude = std::max(0.045 * std::min(size.width(), size.height()), 16.0);
+    layout.warp = Warp(phase, amplitude, layout.land);
+    SplitMix64 random(seed);
+
+    layout.coast = layout.warp.warpedOutline(layout.land);
+
+    std::vector<double> values;
+    values.reserve(tiles.size());
+    for (const Tile &t : tiles)
+        values.push_back(t.value);
+    const std::vector<QRectF> rects = squarify(values, layout.land);
+
+    RegionBuilder builder(layout.warp, random, explored, bounties, title);
+    layout.regions.reserve(tiles.size());
+    for (std::size_t i = 0; i < tiles.size(); ++i)
+        layout.regions.push_back(builder.build(tiles[i], rects[i]));
+
+    layout.rivers = Rivers::trace(layout.regions, layout.land, layout.warp);
+    layout.waves = makeWaves(size, layout.land, random);
+
+    KeyHash hash;
+    hash.add(size.width());
+    hash.add(size.height());
+    hash.add(key);
+    for (const Region &r : layout.regions) {
+        hash.add(r.tile.id);
+        hash.add(r.tile.value);
+        hash.add(r.explored);
+        hash.add(r.bounties);
+        hash.add(r.title);
+    }
+    layout.key = hash.value();
+    return layout;
+}
+
+std::optional<int> WorldLayout::regionIndex(QPointF point, std::optional<int> hint) const
+{
+    const auto count = static_cast<int>(regions.size());
+    if (hint && *hint >= 0 && *hint < count &&
+        regions[static_cast<std::size_t>(*hint)].shape.contains(point))
+        return hint;
+    for (int i = 0; i < count; ++i) {
+        if (regions[static_cast<std::size_t>(i)].shape.contains(point))
+            return i;
+    }
+    return std::nullopt;
+}

@@ -1,0 +1,281 @@
+#include "game/Djb2.h"
+#include "support/TestSandbox.h"
+#include "world/SplitMix64.h"
+#include "world/WorldLayout.h"
+
+#include <QFile>
+#include <bit>
+
+namespace {
+
+NodePtr folder(const NodePtr &parent, const std::string &name, std::uint64_t bytes)
+{
+    NodePtr n = Node::create(name, parent);
+    n->addLoose(bytes);
+    n->finish();
+    parent->appendChild(n);
+    return n;
+}
+
+// A level of 24 folders of assorted sizes plus loose files, under /home/ada.
+NodePtr sampleLevel()
+{
+    NodePtr root = Node::create("ada");
+    root->setBasePath("/home/ada");
+    for (int i = 0; i < 24; ++i)
+        folder(root, "dir" + std::to_string(i), 1'000'000ULL * (i * i * 37 % 101 + 1));
+    root->addLoose(5'000'000);
+    root->finish();
+    return root;
+}
+
+QString plainTitle(const Tile &t, std::optional<Tier>)
+{
+    return QFile::decodeName(QByteArray::fromStdString(t.name));
+}
+
+WorldLayout buildPlain(const std::vector<Tile> &tiles, const std::string &key, QSizeF size)
+{
+    return WorldLayout::build(
+        tiles, key, size, [](const std::string &) { return false; },
+        [](const std::string &) { return std::int64_t(0); }, plainTitle);
+}
+
+// Every coordinate of the island, bit for bit.
+QByteArray geometry(const WorldLayout &l)
+{
+    QByteArray out;
+    const auto point = [&out](QPointF p) {
+        for (const double v : {p.x(), p.y()})
+            out.append(QByteArray::number(std::bit_cast<qulonglong>(v), 16)).append(',');
+    };
+    const auto points = [&](const auto &list) {
+        for (QPointF p : list)
+            point(p);
+        out.append('|');
+    };
+    const auto path = [&](const QPainterPath &pp) {
+        for (int i = 0; i < pp.elementCount(); ++i)
+            point(pp.elementAt(i));
+        out.append('|');
+    };
+    path(l.coast);
+    for (const auto &river : l.rivers)
+        path(river);
+    for (const Region &r : l.regions) {
+        path(r.shape);
+        point(r.capital);
+        points(r.scenery);
+        points(r.clouds);
+    }
+    points(l.waves);
+    return out;
+}
+
+} // namespace
+
+class TestWorldLayout : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void sameInputsGiveTheSameIsland()
+    {
+        const NodePtr root = sampleLevel();
+        const auto tiles = makeTiles(root.get(), Metric::size, 40);
+        const auto a = buildPlain(tiles, "/home/ada", QSizeF(1600, 1200));
+        const auto b = buildPlain(tiles, "/home/ada", QSizeF(1600, 1200));
+        QCOMPARE(a.regions.size(), tiles.size());
+        QVERIFY(!a.rivers.empty() && a.rivers.size() <= 3);
+        QVERIFY(!a.waves.empty());
+        QCOMPARE(geometry(a), geometry(b));
+        QCOMPARE(a.key, b.key);
+
+        const auto elsewhere = buildPlain(tiles, "/home/bob", QSizeF(1600, 1200));
+        QVERIFY(geometry(elsewhere) != geometry(a));
+        QVERIFY(elsewhere.key != a.key);
+
+        // A new title redraws the labels but must not move a single border.
+        const auto renamed = WorldLayout::build(
+            tiles, "/home/ada", QSizeF(1600, 1200), [](const std::string &) { return false; },
+            [](const std::string &) { return std::int64_t(0); },
+            [](const Tile &t, std::optional<Tier> tier) {
+                return t.id == "dir3" ? QStringLiteral("Mount Three") : plainTitle(t, tier);
+            });
+        QCOMPARE(geometry(renamed), geometry(a));
+        QVERIFY(renamed.key != a.key);
+    }
+
+    void landAndAmplitude_data()
+    {
+        QTest::addColumn<QSizeF>("size");
+        QTest::addColumn<QRectF>("land");
+        QTest::addColumn<double>("amplitude");
+        QTest::newRow("800x600") << QSizeF(800, 600) << QRectF(30, 30, 740, 540) << 27.0;
+        QTest::newRow("400x300") << QSizeF(400, 300) << QRectF(28, 28, 344, 244) << 16.0;
+    }
+    void landAndAmplitude()
+    {
+        QFETCH(QSizeF, size);
+        const auto l = buildPlain({}, "/", size);
+        QTEST(l.land, "land");
+        QTEST(l.warp.amplitude(), "amplitude");
+        QVERIFY(l.regions.empty() && l.rivers.empty());
+        QVERIFY(l.coast.elementCount() > 0);
+    }
+
+    // One folder filling a land of the given size: how many scenery draws and clouds it gets.
+    // The clouds are drawn right after the scenery attempts, so finding them after exactly
+    // 2 × attempts draws pins the attempt count.
+    void decorationCounts_data()
+    {
+        QTest::addColumn<QSizeF>("landSize");
+        QTest::addColumn<int>("attempts");
+        QTest::addColumn<int>("clouds");
+        QTest::newRow("40x60") << QSizeF(40, 60) << 0 << 1;
+        QTest::newRow("200x150") << QSizeF(200, 150) << 11 << 2;
+        QTest::newRow("400x300") << QSizeF(400, 300) << 18 << 3;
+    }
+    void decorationCounts()
+    {
+        QFETCH(QSizeF, landSize);
+        QFETCH(int, attempts);
+        QFETCH(int, clouds);
+        NodePtr root = Node::create("r");
+        root->setBasePath("/r");
+        folder(root, "only", 1000);
+        root->finish();
+        const auto l =
+            buildPlain(makeTiles(root.get(), Metric::size, 40), "/r", landSize + QSizeF(56, 56));
+        QCOMPARE(l.land.size(), landSize);
+        const Region &r = l.regions.at(0);
+        QCOMPARE(r.rect, l.land);
+        QVERIFY(l.rivers.empty());
+        QVERIFY(r.scenery.size() <= std::size_t(attempts));
+        for (QPointF p : r.scenery) {
+            const bool keptOut = std::abs(p.x() - r.capital.x()) <= 84 &&
+                                 p.y() >= r.capital.y() - 40 && p.y() <= r.capital.y() + 70;
+            QVERIFY(!keptOut);
+        }
+
+        SplitMix64 random(djb2("/r"));
+        for (int i = 0; i < 2 * attempts; ++i)
+            random.next();
+        const double ix = std::min(0.25 * landSize.width(), 14.0);
+        const double iy = std::min(0.25 * landSize.height(), 14.0);
+        const QRectF inner = r.rect.adjusted(ix, iy, -ix, -iy);
+        QCOMPARE(r.clouds.size(), std::size_t(clouds));
+        for (QPointF cloud : r.clouds) {
+            const double x = inner.left() + inner.width() * random.unit();
+            const double y = inner.top() + inner.height() * random.unit();
+            QCOMPARE(cloud, l.warp(x, y));
+        }
+    }
+
+    void zeroValuesCollapseToTheOrigin()
+    {
+        std::vector<Tile> tiles;
+        for (const char *name : {"a", "b", "c"})
+            tiles.push_back({name, Tile::Other{1}, name, 0.0});
+        const auto l = buildPlain(tiles, "/z", QSizeF(800, 600));
+        QCOMPARE(l.regions.size(), std::size_t(3));
+        QVERIFY(l.rivers.empty());
+        for (const Region &r : l.regions) {
+            QCOMPARE(r.rect, QRectF());
+            QVERIFY(r.scenery.empty());
+            QCOMPARE(r.clouds, std::vector<QPointF>{l.warp(0, 0)});
+        }
+    }
+
+    // Two equal halves share one border from the top coast to the bottom coast; its river
+    // starts at the far end from the first point and has a point every 4 points.
+    void riverAlongTheSharedBorder()
+    {
+        std::vector<Tile> tiles = {{"a", Tile::Other{1}, "a", 1.0},
+                                   {"b", Tile::Other{1}, "b", 1.0}};
+        const auto l = buildPlain(tiles, "/", QSizeF(800, 600));
+        QCOMPARE(l.regions[0].rect, QRectF(30, 30, 370, 540));
+        QCOMPARE(l.rivers.size(), std::size_t(1));
+        const QPainterPath &river = l.rivers[0];
+        QCOMPARE(river.elementCount(), 540 / 4 + 1);
+        QCOMPARE(QPointF(river.elementAt(0)), l.warp(400, 570));
+        QCOMPARE(QPointF(river.elementAt(river.elementCount() - 1)), l.warp(400, 30));
+    }
+
+    void namesAndFlags()
+    {
+        NodePtr root = Node::create("u");
+        root->setBasePath("/u");
+        folder(root, "Caches", 1'200'000'000);
+        folder(root, "Logs", 2'000'000);
+        root->addLoose(10);
+        root->finish();
+        QStringList seen;
+        const auto l = WorldLayout::build(
+            makeTiles(root.get(), Metric::size, 2), "/u", QSizeF(800, 600),
+            [&seen](const std::string &p) {
+                seen.append(QString::fromStdString(p));
+                return p == "/u/Logs";
+            },
+            [](const std::string &p) { return std::int64_t(p == "/u/Caches" ? 4 : 0); },
+            [](const Tile &t, std::optional<Tier> tier) {
+                return t.name == "Caches" ? QStringLiteral("Treasure Caves") : plainTitle(t, tier);
+            });
+        QCOMPARE(seen, (QStringList{QStringLiteral("/u/Caches"), QStringLiteral("/u/Logs")}));
+        const Region &caches = l.regions[0];
+        QCOMPARE(caches.title, QStringLiteral("Treasure Caves"));
+        QCOMPARE(caches.subtitle, QStringLiteral("Caches · 1.2 GB"));
+        QCOMPARE(caches.tier, std::optional<Tier>(Tier::ogre));
+        QCOMPARE(caches.path, std::optional<std::string>("/u/Caches"));
+        QVERIFY(!caches.explored && caches.bounties == 4);
+        QCOMPARE(l.regions[1].subtitle, QStringLiteral("2 MB"));
+        QVERIFY(l.regions[1].explored && l.regions[1].bounties == 0);
+        const Region &loose = l.regions[2];
+        QVERIFY(!loose.tier && !loose.path && loose.explored && loose.subtitle.isEmpty());
+    }
+
+    void regionIndexPrefersTheHint()
+    {
+        WorldLayout l;
+        for (const QRectF &rect : {QRectF(0, 0, 100, 100), QRectF(50, 0, 100, 100)}) {
+            Region r;
+            r.rect = rect;
+            r.shape.addRect(rect);
+            l.regions.push_back(r);
+        }
+        QCOMPARE(l.regionIndex({75, 50}, 1), std::optional<int>(1));
+        QCOMPARE(l.regionIndex({75, 50}, std::nullopt), std::optional<int>(0));
+        QCOMPARE(l.regionIndex({75, 50}, 7), std::optional<int>(0));
+        QCOMPARE(l.regionIndex({25, 50}, 1), std::optional<int>(0));
+        QCOMPARE(l.regionIndex({500, 50}, 0), std::nullopt);
+
+        const NodePtr root = sampleLevel();
+        const auto built = buildPlain(makeTiles(root.get(), Metric::size, 3), "/", {800, 600});
+        for (int i = 0; i < 3; ++i)
+            QCOMPARE(built.regionIndex(built.regions[i].capital, std::nullopt), i);
+        QCOMPARE(built.regionIndex({5, 5}, 0), std::nullopt);
+    }
+
+    void waveRows()
+    {
+        QVERIFY(buildPlain({}, "/", QSizeF(800, 14)).waves.empty());
+        // A margin this wide leaves the sea's left column free of land, so every row's first
+        // wave is kept there.
+        const auto l = buildPlain({}, "/", QSizeF(3000, 2000));
+        std::vector<QPointF> firsts;
+        for (QPointF p : l.waves) {
+            if (p.x() < 60 && firsts.size() < 5)
+                firsts.push_back(p);
+        }
+        const double rows[] = {14, 60, 106, 152, 198};
+        const double starts[] = {18, 48, 18, 48, 48};
+        QCOMPARE(firsts.size(), std::size_t(5));
+        for (std::size_t i = 0; i < 5; ++i) {
+            QVERIFY(std::abs(firsts[i].y() - rows[i]) <= 6);
+            QVERIFY(std::abs(firsts[i].x() - starts[i]) <= 10);
+        }
+    }
+};
+
+DUSTMERE_TEST_MAIN(TestWorldLayout)
+#include "test_world_layout.moc"
