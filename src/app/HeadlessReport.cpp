@@ -1,5 +1,6 @@
 #include "app/HeadlessReport.h"
 
+#include "advisor/Advisor.h"
 #include "report/Report.h"
 #include "scan/Fmt.h"
 #include "scan/Scanner.h"
@@ -46,7 +47,12 @@ int runHeadlessReport(const std::string &path, CommandLine::ReportFormat format,
     if (terminal)
         std::fputs("\r\033[K", stderr);
 
-    Report::Input input{result.get(), scanner.bigFiles()};
+    Report::Input input;
+    input.root = result.get();
+    input.bigFiles = scanner.bigFiles();
+    const Advisor::Context context;
+    input.advice = Advisor::advise(input.root, input.bigFiles, context);
+    input.home = context.home;
     const std::string out = format == CommandLine::ReportFormat::json ? Report::json(input, depth)
                                                                       : Report::text(input);
     std::fwrite(out.data(), 1, out.size(), stdout);

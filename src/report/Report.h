@@ -1,5 +1,7 @@
 #pragma once
 
+#include "advisor/Advice.h"
+#include "game/Tier.h"
 #include "scan/BigFile.h"
 #include "scan/Node.h"
 
@@ -14,10 +16,19 @@ struct Input
 {
     NodePtr root;
     std::vector<BigFile> bigFiles;
+    std::vector<Advice> advice; // largest first, as the advisor gives it
+    std::string home;           // for the advice's short names
 };
 
 // depth limits how many levels of children the JSON tree carries; none means all.
 [[nodiscard]] std::string json(const Input &input, std::optional<int> depth = std::nullopt);
 [[nodiscard]] std::string text(const Input &input);
+
+// The advice as the bounty board shows it: safe, then rebuild, then review, each in list order.
+[[nodiscard]] std::vector<Advice> boardOrder(const std::vector<Advice> &advice);
+// A territory's fantasy name, as the map shows it with fantasy names on and no names of the user's.
+[[nodiscard]] QString placeName(const Node &node);
+[[nodiscard]] const char *tierKey(Tier tier);
+[[nodiscard]] const char *safetyKey(Advice::Safety safety);
 
 } // namespace Report

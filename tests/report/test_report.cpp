@@ -1,4 +1,6 @@
 #include "report/JsonWriter.h"
+#include "advisor/Advisor.h"
+#include "game/Lore.h"
 #include "report/Report.h"
 #include "scan/Scanner.h"
 #include "support/TestSandbox.h"
@@ -54,6 +56,8 @@ private Q_SLOTS:
         makeDir(t + "/latin1 \xe9t\xe9");
         makeFile(t + "/big", Scanner::bigFileThreshold);
         setModified(t + "/big", 1'700'000'000);
+        makeDir(t + "/a/__pycache__");
+        makeFile(t + "/a/__pycache__/blob", Scanner::bigFileThreshold);
     }
 
     void utf8Validation()
@@ -71,7 +75,8 @@ private Q_SLOTS:
     {
         Scanner scanner;
         const NodePtr root = scanner.scan(tree().toStdString());
-        const std::string json = Report::json({root, scanner.bigFiles()});
+        const std::vector<Advice> advice = Advisor::advise(root, scanner.bigFiles());
+        const std::string json = Report::json({root, scanner.bigFiles(), advice, "/nowhere"});
         QJsonParseError error;
         const QJsonDocument doc = QJsonDocument::fromJson(QByteArray::fromStdString(json), &error);
         QCOMPARE(error.error, QJsonParseError::NoError);
@@ -79,7 +84,9 @@ private Q_SLOTS:
         const QJsonObject r = doc["root"].toObject();
         QCOMPARE(r["path"].toString(), QFile::decodeName(tree()));
         QCOMPARE(r["size"].toInteger(), qint64(root->size()));
-        QCOMPARE(r["files"].toInteger(), 3);
+        QCOMPARE(r["files"].toInteger(), 4);
+        QCOMPARE(r["tier"].toString(), QStringLiteral("microbe"));
+        QCOMPARE(r["place"].toString(), Lore::name("tree", Tier::microbe));
         QCOMPARE(r["looseFiles"].toInteger(), 1);
         QStringList names;
         for (const QJsonValue c : r["children"].toArray()) {
@@ -88,6 +95,19 @@ private Q_SLOTS:
         }
         QCOMPARE(names, (QStringList{QStringLiteral("a"), QStringLiteral("quote\" back\\slash\nnewline\t"),
                                      QStringLiteral("latin1 \uFFFDt\uFFFD")}));
+        const QJsonObject a = r["children"].toArray().at(0).toObject();
+        QCOMPARE(a["place"].toString(), Lore::name("a", Tier::microbe));
+        QCOMPARE(a["children"].toArray().at(0)["name"].toString(), QStringLiteral("__pycache__"));
+
+        const QJsonArray board = doc["advice"].toArray();
+        QCOMPARE(board.size(), 1);
+        QCOMPARE(board[0]["kind"].toString(), QStringLiteral("folder"));
+        QCOMPARE(board[0]["safety"].toString(), QStringLiteral("safe"));
+        QCOMPARE(board[0]["reason"].toString(), QStringLiteral("Compiled Python files. Regenerated automatically."));
+        QCOMPARE(board[0]["actionable"].toBool(), true);
+        QCOMPARE(board[0]["displayName"].toString(), QStringLiteral("__pycache__"));
+        QVERIFY(board[0]["path"].toString().endsWith(QStringLiteral("/a/__pycache__")));
+
         const QJsonObject big = doc["bigFiles"].toArray().at(0).toObject();
         QCOMPARE(big["modified"].toInteger(), 1'700'000'000);
         QVERIFY(big["path"].toString().endsWith(QStringLiteral("/big")));
@@ -98,14 +118,14 @@ private Q_SLOTS:
         Scanner scanner;
         const NodePtr root = scanner.scan(tree().toStdString());
         const auto childrenAt = [&](int depth) {
-            const QJsonDocument d = QJsonDocument::fromJson(QByteArray::fromStdString(Report::json({root, {}}, depth)));
+            const QJsonDocument d = QJsonDocument::fromJson(QByteArray::fromStdString(Report::json({root, {}, {}, {}}, depth)));
             return d["root"].toObject();
         };
         QVERIFY(!childrenAt(0).contains(QStringLiteral("children")));
         const QJsonObject one = childrenAt(1);
         QCOMPARE(one["children"].toArray().size(), 3);
         QVERIFY(!one["children"].toArray().at(0).toObject().contains(QStringLiteral("children")));
-        QCOMPARE(childrenAt(2)["children"].toArray().at(0)["children"].toArray().size(), 1);
+        QCOMPARE(childrenAt(2)["children"].toArray().at(0)["children"].toArray().size(), 2);
     }
 
     void commandLineReports()
@@ -120,8 +140,13 @@ private Q_SLOTS:
 
         const Run text = dustmere({QStringLiteral("--scan=") + QFile::decodeName(tree()), QStringLiteral("--report")});
         QCOMPARE(text.exitCode, 0);
-        QVERIFY(text.out.startsWith("Dustmere · " + tree()));
-        QVERIFY(text.out.contains("3 files"));
+        const QList<QByteArray> lines = text.out.split('\n');
+        QVERIFY(lines[0].endsWith(" · " + tree()));
+        QVERIFY(lines[1].contains("4 files"));
+        QVERIFY(text.out.contains("\nTerritories\n"));
+        QVERIFY(text.out.contains("Safe to delete · 1 · "));
+        QVERIFY(text.out.contains("Compiled Python files. Regenerated automatically."));
+        QVERIFY(text.out.contains("Total reclaimable: "));
     }
 
     void badInputGivesOneLineAndStatusTwo_data()
@@ -165,7 +190,7 @@ private Q_SLOTS:
         env.insert(QStringLiteral("HOME"), QFile::decodeName(home));
         const Run run = dustmere({}, env);
         QCOMPARE(run.exitCode, 0);
-        QVERIFY(run.out.startsWith("Dustmere · " + home + "\n"));
+        QVERIFY(run.out.left(run.out.indexOf('\n')).endsWith(" · " + home));
     }
 };
 

@@ -1,0 +1,117 @@
+#include "report/JsonWriter.h"
+#include "report/Report.h"
+
+#include "game/Lore.h"
+
+namespace {
+
+// depthLeft < 0 means no limit.
+void writeNode(JsonWriter &w, const Node &node, bool isRoot, int depthLeft)
+{
+    w.beginObject();
+    w.key("name");
+    w.value(node.name());
+    if (isRoot) {
+        w.key("path");
+        w.value(node.path());
+    }
+    w.key("size");
+    w.value(node.size());
+    w.key("files");
+    w.value(node.files());
+    w.key("looseSize");
+    w.value(node.looseSize());
+    w.key("looseFiles");
+    w.value(node.looseFiles());
+    w.key("tier");
+    w.value(Report::tierKey(Tiers::ofBytes(node.size())));
+    w.key("place");
+    w.value(Report::placeName(node));
+    if (depthLeft != 0) {
+        const int next = depthLeft < 0 ? depthLeft : depthLeft - 1;
+        w.key("children");
+        w.beginArray();
+        for (const NodePtr &child : node.children())
+            writeNode(w, *child, false, next);
+        w.endArray();
+    }
+    w.endObject();
+}
+
+} // namespace
+
+std::vector<Advice> Report::boardOrder(const std::vector<Advice> &advice)
+{
+    std::vector<Advice> ordered;
+    ordered.reserve(advice.size());
+    for (const Advice::Safety s : Safeties::all) {
+        for (const Advice &a : advice) {
+            if (a.safety == s)
+                ordered.push_back(a);
+        }
+    }
+    return ordered;
+}
+
+QString Report::placeName(const Node &node)
+{
+    return Lore::name(node.name(), Tiers::ofBytes(node.size()));
+}
+
+const char *Report::tierKey(Tier tier)
+{
+    static const char *const keys[] = {"microbe", "gremlin", "ogre", "dragon", "titan"};
+    return keys[Tiers::index(tier)];
+}
+
+const char *Report::safetyKey(Advice::Safety safety)
+{
+    static const char *const keys[] = {"safe", "rebuild", "review"};
+    return keys[Safeties::index(safety)];
+}
+
+std::string Report::json(const Input &input, std::optional<int> depth)
+{
+    JsonWriter w;
+    w.beginObject();
+    w.key("root");
+    writeNode(w, *input.root, true, depth.value_or(-1));
+    w.key("bigFiles");
+    w.beginArray();
+    for (const BigFile &f : input.bigFiles) {
+        w.beginObject();
+        w.key("path");
+        w.value(f.path);
+        w.key("size");
+        w.value(f.size);
+        w.key("modified");
+        w.value(f.modified);
+        w.endObject();
+    }
+    w.endArray();
+    w.key("advice");
+    w.beginArray();
+    for (const Advice &a : boardOrder(input.advice)) {
+        w.beginObject();
+        w.key("path");
+        w.value(a.path);
+        w.key("kind");
+        w.value(a.isFile() ? "file" : "folder");
+        w.key("size");
+        w.value(a.size);
+        w.key("safety");
+        w.value(safetyKey(a.safety));
+        w.key("reason");
+        w.value(a.reason);
+        w.key("actionable");
+        w.value(a.actionable);
+        w.key("displayName");
+        w.value(a.displayName(input.home));
+        w.endObject();
+    }
+    w.endArray();
+    w.endObject();
+    std::string out = w.take();
+    out += '\n';
+    return out;
+}
