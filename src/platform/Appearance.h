@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QColor>
+#include <QPalette>
+
+#include "platform/AdaptiveColor.h"
+
+// Light and dark appearance. The application palette says which one is current; --appearance=
+// replaces the palette at start-up, so views only ever ask the palette.
+namespace Appearance {
+
+enum class Scheme { light, dark };
+
+[[nodiscard]] bool isDark(const QPalette &palette);
+[[nodiscard]] QPalette palette(Scheme scheme);
+[[nodiscard]] inline QColor resolve(const AdaptiveColor &color, const QPalette &palette)
+{
+    return color.resolve(isDark(palette));
+}
+// The interface's ink: the colour of ordinary text.
+[[nodiscard]] QColor ink(const QPalette &palette);
+
+} // namespace Appearance

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QUrl>
+
+#include <string>
+
+// The desktop around the app: the file manager and URL handlers.
+class Desktop
+{
+public:
+    virtual ~Desktop() = default;
+
+    // Shows the item selected in the file manager, else opens the folder that holds it.
+    void reveal(const std::string &path);
+    // Opens the Trash in the file manager, else the folder that holds the trashed items.
+    void openTrash(const std::string &homeTrash);
+
+protected:
+    [[nodiscard]] virtual bool showItems(const QStringList &uris);
+    [[nodiscard]] virtual bool openUrl(const QUrl &url);
+};

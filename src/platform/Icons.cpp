@@ -1,0 +1,115 @@
+#include "platform/Icons.h"
+
+#include <QGuiApplication>
+#include <QHash>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPixmap>
+
+namespace {
+
+const QHash<QString, QString> &table()
+{
+    static const QHash<QString, QString> t = {
+        {QStringLiteral("folder"), QStringLiteral("folder-symbolic")},
+        {QStringLiteral("folder.fill"), QStringLiteral("folder-symbolic")},
+        {QStringLiteral("doc.fill"), QStringLiteral("text-x-generic-symbolic")},
+        {QStringLiteral("chevron.left"), QStringLiteral("go-previous-symbolic")},
+        {QStringLiteral("chevron.right"), QStringLiteral("go-next-symbolic")},
+        {QStringLiteral("arrow.clockwise"), QStringLiteral("view-refresh-symbolic")},
+        {QStringLiteral("arrow.triangle.2.circlepath"), QStringLiteral("emblem-synchronizing-symbolic")},
+        {QStringLiteral("map"), QStringLiteral("find-location-symbolic")},
+        {QStringLiteral("sparkles"), QStringLiteral("starred-symbolic")},
+        {QStringLiteral("trash"), QStringLiteral("user-trash-symbolic")},
+        {QStringLiteral("speaker.slash.fill"), QStringLiteral("audio-volume-muted-symbolic")},
+        {QStringLiteral("speaker.fill"), QStringLiteral("audio-volume-low-symbolic")},
+        {QStringLiteral("speaker.wave.1.fill"), QStringLiteral("audio-volume-low-symbolic")},
+        {QStringLiteral("speaker.wave.2.fill"), QStringLiteral("audio-volume-medium-symbolic")},
+        {QStringLiteral("speaker.wave.3.fill"), QStringLiteral("audio-volume-high-symbolic")},
+        {QStringLiteral("plus"), QStringLiteral("zoom-in-symbolic")},
+        {QStringLiteral("minus"), QStringLiteral("zoom-out-symbolic")},
+        {QStringLiteral("info"), QStringLiteral("dialog-information-symbolic")},
+        {QStringLiteral("bolt.fill"), QStringLiteral("media-flash-symbolic")},
+        {QStringLiteral("magnifyingglass"), QStringLiteral("edit-find-symbolic")},
+        {QStringLiteral("checkmark.circle.fill"), QStringLiteral("emblem-ok-symbolic")},
+        {QStringLiteral("checkmark.seal.fill"), QStringLiteral("emblem-ok-symbolic")},
+        {QStringLiteral("eye.fill"), QStringLiteral("view-reveal-symbolic")},
+        {QStringLiteral("pencil"), QStringLiteral("document-edit-symbolic")},
+    };
+    return t;
+}
+
+// Glyphs for symbols no theme has (and for any theme that lacks the mapped icon).
+void drawGlyph(QPainter &p, const QString &name, qreal s)
+{
+    p.setPen(Qt::NoPen);
+    if (name == QLatin1String("chart.bar.fill")) {
+        const qreal w = s * 0.22;
+        p.drawRoundedRect(QRectF(s * 0.08, s * 0.5, w, s * 0.42), 1.5, 1.5);
+        p.drawRoundedRect(QRectF(s * 0.39, s * 0.2, w, s * 0.72), 1.5, 1.5);
+        p.drawRoundedRect(QRectF(s * 0.7, s * 0.36, w, s * 0.56), 1.5, 1.5);
+        return;
+    }
+    QPen pen(p.brush().color(), qMax(1.5, s * 0.12), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+    p.setPen(pen);
+    p.setBrush(Qt::NoBrush);
+    if (name == QLatin1String("chevron.left")) {
+        p.drawPolyline(QPolygonF({{s * 0.62, s * 0.2}, {s * 0.35, s * 0.5}, {s * 0.62, s * 0.8}}));
+    } else if (name == QLatin1String("chevron.right")) {
+        p.drawPolyline(QPolygonF({{s * 0.38, s * 0.2}, {s * 0.65, s * 0.5}, {s * 0.38, s * 0.8}}));
+    } else if (name == QLatin1String("plus")) {
+        p.drawLine(QPointF(s * 0.5, s * 0.2), QPointF(s * 0.5, s * 0.8));
+        p.drawLine(QPointF(s * 0.2, s * 0.5), QPointF(s * 0.8, s * 0.5));
+    } else if (name == QLatin1String("minus")) {
+        p.drawLine(QPointF(s * 0.2, s * 0.5), QPointF(s * 0.8, s * 0.5));
+    } else {
+        p.drawEllipse(QRectF(s * 0.2, s * 0.2, s * 0.6, s * 0.6));
+    }
+}
+
+QPixmap tinted(const QPixmap &source, const QColor &color)
+{
+    QPixmap out = source;
+    QPainter p(&out);
+    p.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    p.fillRect(out.rect(), color);
+    return out;
+}
+
+} // namespace
+
+QString Icons::themeName(const QString &symbol)
+{
+    return table().value(symbol);
+}
+
+QIcon Icons::symbol(const QString &name, const QColor &color, int size)
+{
+    if (QIcon::themeName().isEmpty() && QIcon::fallbackThemeName() != QLatin1String("Adwaita"))
+        QIcon::setFallbackThemeName(QStringLiteral("Adwaita"));
+    const qreal ratio = qApp ? qApp->devicePixelRatio() : 1.0;
+    const int px = qRound(size * ratio);
+    QIcon icon;
+    const QString theme = themeName(name);
+    const QIcon fromTheme = theme.isEmpty() ? QIcon() : QIcon::fromTheme(theme);
+    for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Disabled}) {
+        QColor c = color;
+        if (mode == QIcon::Disabled)
+            c.setAlphaF(c.alphaF() * 0.35);
+        QPixmap pm;
+        if (!fromTheme.isNull())
+            pm = fromTheme.pixmap(QSize(px, px));
+        if (pm.isNull()) {
+            pm = QPixmap(px, px);
+            pm.fill(Qt::transparent);
+            QPainter p(&pm);
+            p.setRenderHint(QPainter::Antialiasing);
+            p.setBrush(c);
+            drawGlyph(p, name, px);
+        }
+        pm = tinted(pm, c);
+        pm.setDevicePixelRatio(ratio);
+        icon.addPixmap(pm, mode);
+    }
+    return icon;
+}

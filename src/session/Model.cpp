@@ -1,0 +1,474 @@
+#include "session/Model.h"
+
+#include "game/Game.h"
+#include "platform/FreedesktopTrash.h"
+#include "platform/Home.h"
+#include "session/SlayRules.h"
+#include "scan/Fmt.h"
+#include "sound/Sound.h"
+
+#include <QtConcurrent/QtConcurrentRun>
+
+#include <algorithm>
+
+namespace {
+
+bool isUnder(std::string_view path, std::string_view folder)
+{
+    return path.size() >= folder.size() && path.substr(0, folder.size()) == folder &&
+           (path.size() == folder.size() || path[folder.size()] == '/');
+}
+
+} // namespace
+
+Model::Model(QObject *parent)
+    : QObject(parent),
+      m_scanPath(Home::path()),
+      m_trash(std::make_unique<FreedesktopTrash>()),
+      m_desktop(std::make_unique<Desktop>())
+{
+    m_timer.setInterval(150);
+    connect(&m_timer, &QTimer::timeout, this, &Model::tick);
+}
+
+Model::~Model()
+{
+    stop();
+}
+
+void Model::play(const Sound::Sfx &sfx) const
+{
+    if (m_play)
+        m_play(sfx);
+    else
+        Sound::shared().play(sfx);
+}
+
+void Model::setScanPath(std::string path)
+{
+    if (path == m_scanPath)
+        return;
+    m_scanPath = std::move(path);
+    Q_EMIT scanPathChanged();
+}
+
+void Model::setRoot(NodePtr root)
+{
+    m_root = std::move(root);
+    Q_EMIT rootChanged();
+}
+
+void Model::setCurrent(NodePtr node)
+{
+    m_current = std::move(node);
+    Q_EMIT currentChanged();
+}
+
+void Model::setScanning(bool scanning)
+{
+    if (scanning == m_scanning)
+        return;
+    m_scanning = scanning;
+    Q_EMIT scanningChanged();
+}
+
+void Model::setProgress(Progress progress)
+{
+    if (progress == m_progress)
+        return;
+    m_progress = progress;
+    Q_EMIT progressChanged();
+}
+
+void Model::setPartial(std::vector<NodePtr> partial)
+{
+    m_partial = std::move(partial);
+    Q_EMIT partialChanged();
+}
+
+void Model::setMetric(Metric metric)
+{
+    if (metric == m_metric)
+        return;
+    m_metric = metric;
+    Q_EMIT metricChanged();
+}
+
+void Model::setMode(Mode mode)
+{
+    if (mode == m_mode)
+        return;
+    m_mode = mode;
+    Q_EMIT modeChanged();
+}
+
+void Model::setHovered(std::optional<Tile> tile)
+{
+    m_hovered = std::move(tile);
+    Q_EMIT hoveredChanged();
+}
+
+void Model::setAdvice(std::vector<Advice> advice)
+{
+    m_advice = std::move(advice);
+    m_bountyPaths.clear();
+    for (const Advice &a : m_advice)
+        m_bountyPaths.insert(a.path);
+    Q_EMIT adviceChanged();
+}
+
+void Model::setPending(std::optional<Pending> pending)
+{
+    m_pending = std::move(pending);
+    Q_EMIT pendingChanged();
+}
+
+void Model::setError(std::optional<QString> error)
+{
+    m_error = std::move(error);
+    Q_EMIT errorChanged();
+}
+
+void Model::setZoomLevel(int level)
+{
+    level = std::clamp(level, 0, maxZoomLevel);
+    if (level == m_zoomLevel)
+        return;
+    m_zoomLevel = level;
+    Q_EMIT zoomLevelChanged();
+}
+
+void Model::scan(Game &game)
+{
+    stop();
+    auto scanner = std::make_shared<Scanner>();
+    m_scanner = scanner;
+    const std::string path = m_scanPath;
+
+    setScanning(true);
+    setRoot(nullptr);
+    setCurrent(nullptr);
+    setHovered(std::nullopt);
+    setAdvice({});
+    setPartial({});
+    setProgress({});
+    m_timer.start();
+
+    const Advisor::Context context = m_advisorContext ? m_advisorContext() : Advisor::Context{};
+    QPointer<Game> weakGame(&game);
+    QtConcurrent::run([scanner, path, context] {
+        ScanResult result;
+        result.root = scanner->scan(path);
+        if (result.root)
+            result.advice = Advisor::advise(result.root, scanner->bigFiles(), context);
+        return result;
+    }).then(this, [this, scanner, weakGame](ScanResult result) {
+        finishScan(scanner, std::move(result), weakGame);
+    });
+}
+
+void Model::tick()
+{
+    if (!m_scanner)
+        return;
+    setProgress(m_scanner->progress());
+    std::vector<NodePtr> completed = m_scanner->completed();
+    // The map is rebuilt from `partial`, so it changes only when a folder finishes.
+    if (completed.size() != m_partial.size())
+        setPartial(std::move(completed));
+}
+
+void Model::finishScan(const std::shared_ptr<Scanner> &scanner, ScanResult result, QPointer<Game> game)
+{
+    // A stopped or replaced scan changes nothing.
+    if (!m_scanner || m_scanner != scanner)
+        return;
+    m_timer.stop();
+    setScanning(false);
+    if (!result.root)
+        return;
+
+    setRoot(result.root);
+    setCurrent(result.root);
+    setAdvice(std::move(result.advice));
+    setPartial({});
+    setZoomLevel(0);
+    play(Sound::Sfx::scanDone());
+    if (game)
+        game->scanned(*m_root);
+    if (m_advice.empty())
+        return;
+
+    setMode(Mode::bounties);
+    std::uint64_t reclaimable = 0;
+    for (const Advice &a : m_advice) {
+        if (a.actionable)
+            reclaimable += a.size;
+    }
+    if (game) {
+        game->post(Toast::make(QStringLiteral("💰"),
+                               QStringLiteral("%1 bounties posted").arg(m_advice.size()),
+                               QStringLiteral("Up to %1 you could reclaim").arg(Fmt::bytes(reclaimable))));
+    }
+}
+
+void Model::stop()
+{
+    if (m_scanner) {
+        m_scanner->cancel();
+        m_scanner.reset();
+    }
+    m_timer.stop();
+    setScanning(false);
+}
+
+void Model::chooseFolder(Game &game)
+{
+    if (!m_chooseFolder)
+        return;
+    if (const std::optional<std::string> chosen = m_chooseFolder(m_scanPath)) {
+        setScanPath(*chosen);
+        scan(game);
+    }
+}
+
+void Model::go(const NodePtr &node, Game &game)
+{
+    if (!node || node == m_current)
+        return;
+    setHovered(std::nullopt);
+    const bool deeper = m_current ? m_current->depth() < node->depth() : node->depth() > 0;
+    play(deeper ? Sound::Sfx::dive() : Sound::Sfx::up());
+    setCurrent(node);
+    game.visit(*node);
+}
+
+void Model::show(const NodePtr &node, Game &game)
+{
+    setMode(Mode::map);
+    const NodePtr parent = node->parent();
+    go(parent ? parent : node, game);
+}
+
+void Model::up()
+{
+    if (!m_current)
+        return;
+    NodePtr parent = m_current->parent();
+    if (!parent)
+        return;
+    setHovered(std::nullopt);
+    play(Sound::Sfx::up());
+    setCurrent(std::move(parent));
+}
+
+void Model::zoom(int delta)
+{
+    const int level = std::clamp(m_zoomLevel + delta, 0, maxZoomLevel);
+    if (level == m_zoomLevel)
+        return;
+    setZoomLevel(level);
+    play(Sound::Sfx::click());
+}
+
+NodePtr Model::find(const NodePtr &root, std::string_view atPath)
+{
+    if (!root || !root->basePath())
+        return nullptr;
+    const std::string &base = *root->basePath();
+    if (atPath == base)
+        return root;
+    const std::string prefix = base == "/" ? std::string("/") : base + '/';
+    if (atPath.substr(0, std::min(atPath.size(), prefix.size())) != prefix)
+        return nullptr;
+    NodePtr n = root;
+    std::string_view rest = atPath.substr(base.size());
+    while (!rest.empty()) {
+        const std::size_t slash = rest.find('/');
+        const std::string_view piece = rest.substr(0, slash);
+        rest = slash == std::string_view::npos ? std::string_view() : rest.substr(slash + 1);
+        if (piece.empty())
+            continue;
+        n = n->child(piece);
+        if (!n)
+            return nullptr;
+    }
+    return n;
+}
+
+bool Model::isDying(std::string_view path) const
+{
+    return m_dying && m_dying->path == path;
+}
+
+std::vector<Advice> Model::adviceUnder(std::string_view path) const
+{
+    std::vector<Advice> under;
+    for (const Advice &a : m_advice) {
+        if (isUnder(a.path, path))
+            under.push_back(a);
+    }
+    return under;
+}
+
+std::vector<Tile> Model::tiles(int limit) const
+{
+    return makeTiles(m_current.get(), m_metric, limit);
+}
+
+void Model::reveal(const std::string &path)
+{
+    m_desktop->reveal(path);
+}
+
+void Model::openTrash()
+{
+    m_desktop->openTrash(FreedesktopTrash::homeTrash());
+}
+
+void Model::setDying(std::optional<Dying> dying)
+{
+    m_dying = std::move(dying);
+    Q_EMIT dyingChanged();
+}
+
+bool Model::canSlay(std::string_view path) const
+{
+    const std::optional<std::string> scanRoot = m_root ? m_root->basePath() : std::nullopt;
+    return SlayRules::canSlay(path, Home::path(), scanRoot, FreedesktopTrash::homeTrash());
+}
+
+bool Model::canSlay(const Node &node) const
+{
+    return node.hasParent() && canSlay(node.path());
+}
+
+bool Model::trash(const std::string &path, std::uint64_t bytes, Game &game, bool quiet)
+{
+    const TrashCan::Result result = m_trash->moveToTrash(path);
+    if (const auto *failed = std::get_if<TrashCan::Failed>(&result)) {
+        if (!quiet)
+            setError(failed->message);
+        return false;
+    }
+    game.noteTrashed(std::get<TrashCan::Moved>(result).trashedPath, bytes);
+    return true;
+}
+
+void Model::slay(const NodePtr &node, Game &game)
+{
+    if (!node || !canSlay(*node) || m_dying) {
+        play(Sound::Sfx::denied());
+        return;
+    }
+    const std::string path = node->path();
+    const std::uint64_t size = node->size();
+    if (!trash(path, size, game, false)) {
+        play(Sound::Sfx::denied());
+        return;
+    }
+    const bool wasBounty = m_bountyPaths.contains(path);
+    QPointer<Game> weakGame(&game);
+    startDying(path, size, [this, node, size, wasBounty, weakGame] {
+        if (weakGame)
+            weakGame->slain({size}, wasBounty);
+        detach(node);
+    });
+}
+
+void Model::slay(const BigFile &file, Game &game)
+{
+    if (!canSlay(file.path) || m_dying) {
+        play(Sound::Sfx::denied());
+        return;
+    }
+    if (!trash(file.path, file.size, game, false)) {
+        play(Sound::Sfx::denied());
+        return;
+    }
+    QPointer<Game> weakGame(&game);
+    startDying(file.path, file.size, [this, file, weakGame] {
+        if (weakGame)
+            weakGame->slain({file.size}, true);
+        const auto slash = file.path.rfind('/');
+        if (const NodePtr folder = node(file.path.substr(0, slash == 0 ? 1 : slash)))
+            folder->removeLooseFile(file.size);
+    });
+}
+
+void Model::startDying(const std::string &path, std::uint64_t bytes, std::function<void()> onDone)
+{
+    setHovered(std::nullopt);
+    play(Sound::Sfx::slay(Tiers::ofBytes(bytes)));
+    setDying(Dying{path, Game::xpFor(bytes)});
+    QTimer::singleShot(m_deathDuration, this, [this, path, onDone = std::move(onDone)] {
+        onDone();
+        removeAdvice(path);
+        setDying(std::nullopt);
+        Q_EMIT changed();
+    });
+}
+
+void Model::slayAll(const std::vector<Advice> &items, Game &game)
+{
+    int failures = 0;
+    std::vector<std::uint64_t> sizes;
+    for (const Advice &item : items) {
+        if (!item.actionable || !canSlay(item.path))
+            continue;
+        if (trash(item.path, item.size, game, true)) {
+            sizes.push_back(item.size);
+            removeFromTree(item);
+        } else {
+            ++failures;
+        }
+    }
+    if (!sizes.empty())
+        play(Sound::Sfx::slay(Tiers::ofBytes(*std::max_element(sizes.begin(), sizes.end()))));
+    game.slain(sizes, true);
+    if (failures >= 1) {
+        play(Sound::Sfx::denied());
+        setError(QStringLiteral("%1 item%2 couldn't be moved to the Trash (macOS or another app protects them).")
+                     .arg(failures)
+                     .arg(failures == 1 ? QString() : QStringLiteral("s")));
+    }
+    Q_EMIT changed();
+}
+
+void Model::removeFromTree(const Advice &item)
+{
+    if (const NodePtr folder = item.folder()) {
+        detach(folder);
+    } else if (const BigFile *file = item.file()) {
+        const auto slash = file->path.rfind('/');
+        if (const NodePtr parent = node(file->path.substr(0, slash == 0 ? 1 : slash)))
+            parent->removeLooseFile(file->size);
+    }
+    removeAdvice(item.path);
+}
+
+void Model::detach(const NodePtr &node)
+{
+    const NodePtr formerParent = node->parent();
+    node->detach();
+    // Standing in the folder that just went to the Trash (or inside it) leaves nothing to show;
+    // step back out to where it was.
+    for (NodePtr n = m_current; n; n = n->parent()) {
+        if (n == node) {
+            if (formerParent)
+                setCurrent(formerParent);
+            break;
+        }
+    }
+}
+
+void Model::removeAdvice(std::string_view under)
+{
+    std::vector<Advice> kept;
+    kept.reserve(m_advice.size());
+    for (const Advice &a : m_advice) {
+        if (!isUnder(a.path, under))
+            kept.push_back(a);
+    }
+    setAdvice(std::move(kept));
+}

@@ -1,0 +1,197 @@
+#pragma once
+
+#include "advisor/Advice.h"
+#include "advisor/Advisor.h"
+#include "platform/Desktop.h"
+#include "platform/TrashCan.h"
+#include "scan/BigFile.h"
+#include "scan/Node.h"
+#include "scan/Scanner.h"
+#include "session/Tile.h"
+#include "sound/Sfx.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QTimer>
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_set>
+#include <variant>
+#include <vector>
+
+class Game;
+
+// One session of exploration: which folder is scanned, the scan's progress and partial results,
+// the finished tree, where the user stands in it, how the level is shown, the advisor's
+// recommendations and the state of a slay. Lives on the main thread; only the scan itself runs in
+// the background.
+class Model : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Progress = Scanner::Progress;
+    struct Dying
+    {
+        std::string path;
+        std::int64_t xpt = 0;
+        bool operator==(const Dying &) const = default;
+    };
+    // A slay awaiting confirmation.
+    struct PendingFolder
+    {
+        NodePtr node;
+    };
+    struct PendingFile
+    {
+        BigFile file;
+    };
+    struct PendingBulk
+    {
+        std::vector<Advice> items;
+    };
+    using Pending = std::variant<PendingFolder, PendingFile, PendingBulk>;
+
+    using SoundPlayer = std::function<void(const Sound::Sfx &)>;
+    // Asks the user for a folder, starting at the given one; nullopt when cancelled.
+    using FolderChooser = std::function<std::optional<std::string>(const std::string &start)>;
+
+    static constexpr std::array<double, 5> zoomScales = {1.0, 1.5, 2.0, 3.0, 4.0};
+    static constexpr int maxZoomLevel = 4;
+
+    explicit Model(QObject *parent = nullptr);
+    ~Model() override;
+
+    [[nodiscard]] const std::string &scanPath() const { return m_scanPath; }
+    [[nodiscard]] const NodePtr &root() const { return m_root; }
+    [[nodiscard]] const NodePtr &current() const { return m_current; }
+    [[nodiscard]] bool scanning() const { return m_scanning; }
+    [[nodiscard]] Progress progress() const { return m_progress; }
+    [[nodiscard]] Metric metric() const { return m_metric; }
+    [[nodiscard]] Mode mode() const { return m_mode; }
+    [[nodiscard]] const std::optional<Tile> &hovered() const { return m_hovered; }
+    [[nodiscard]] const std::vector<Advice> &advice() const { return m_advice; }
+    [[nodiscard]] const std::unordered_set<std::string> &bountyPaths() const { return m_bountyPaths; }
+    [[nodiscard]] const std::optional<Pending> &pending() const { return m_pending; }
+    [[nodiscard]] const std::optional<Dying> &dying() const { return m_dying; }
+    [[nodiscard]] const std::optional<QString> &error() const { return m_error; }
+    [[nodiscard]] const std::vector<NodePtr> &partial() const { return m_partial; }
+    [[nodiscard]] int zoomLevel() const { return m_zoomLevel; }
+    [[nodiscard]] double zoomScale() const { return zoomScales[std::size_t(m_zoomLevel)]; }
+    [[nodiscard]] const std::shared_ptr<Scanner> &scanner() const { return m_scanner; }
+
+    void setScanPath(std::string path);
+    void setMetric(Metric metric);
+    void setMode(Mode mode);
+    void setHovered(std::optional<Tile> tile);
+    void setAdvice(std::vector<Advice> advice);
+    void setPending(std::optional<Pending> pending);
+    void setError(std::optional<QString> error);
+    // Direct assignment, as "Fit Whole Realm" does: no sound.
+    void setZoomLevel(int level);
+
+    void scan(Game &game);
+    void stop();
+    void chooseFolder(Game &game);
+    void go(const NodePtr &node, Game &game);
+    void show(const NodePtr &node, Game &game);
+    void up();
+    void zoom(int delta);
+
+    [[nodiscard]] NodePtr node(std::string_view atPath) const { return find(m_root, atPath); }
+    // The node of root's tree for an absolute folder path.
+    [[nodiscard]] static NodePtr find(const NodePtr &root, std::string_view path);
+    [[nodiscard]] bool isDying(std::string_view path) const;
+    [[nodiscard]] std::vector<Advice> adviceUnder(std::string_view path) const;
+    [[nodiscard]] std::vector<Tile> tiles(int limit) const;
+
+    void reveal(const std::string &path);
+    void openTrash();
+
+    // Slaying: moving a folder, a big file or a batch of recommendations to the Trash.
+    [[nodiscard]] bool canSlay(std::string_view path) const;
+    [[nodiscard]] bool canSlay(const Node &node) const;
+    void slay(const NodePtr &node, Game &game);
+    void slay(const BigFile &file, Game &game);
+    void slayAll(const std::vector<Advice> &items, Game &game);
+    void removeAdvice(std::string_view under);
+
+    // Plays an effect through the session's sound player (the shared engine unless a test set one),
+    // so views and tests hear the same thing.
+    void play(const Sound::Sfx &sfx) const;
+    void setSoundPlayer(SoundPlayer play) { m_play = std::move(play); }
+    void setFolderChooser(FolderChooser chooser) { m_chooseFolder = std::move(chooser); }
+    // Lets tests pin the home folder, clock and Trash the advisor sees.
+    void setAdvisorContext(std::function<Advisor::Context()> context) { m_advisorContext = std::move(context); }
+    void setTrashCan(std::unique_ptr<TrashCan> trash) { m_trash = std::move(trash); }
+    void setDesktop(std::unique_ptr<Desktop> desktop) { m_desktop = std::move(desktop); }
+    void setDeathDuration(std::chrono::milliseconds d) { m_deathDuration = d; }
+
+Q_SIGNALS:
+    void scanPathChanged();
+    void rootChanged();
+    void currentChanged();
+    void scanningChanged();
+    void progressChanged();
+    void metricChanged();
+    void modeChanged();
+    void hoveredChanged();
+    void adviceChanged();
+    void pendingChanged();
+    void dyingChanged();
+    void errorChanged();
+    void partialChanged();
+    void zoomLevelChanged();
+    // Any change the observers should redraw for (the end of a death, a batch slay).
+    void changed();
+
+private:
+    struct ScanResult
+    {
+        NodePtr root;
+        std::vector<Advice> advice;
+    };
+
+    void setRoot(NodePtr root);
+    void setCurrent(NodePtr node);
+    void setScanning(bool scanning);
+    void setProgress(Progress progress);
+    void setPartial(std::vector<NodePtr> partial);
+    void tick();
+    void finishScan(const std::shared_ptr<Scanner> &scanner, ScanResult result, QPointer<Game> game);
+    bool trash(const std::string &path, std::uint64_t bytes, Game &game, bool quiet);
+    void startDying(const std::string &path, std::uint64_t bytes, std::function<void()> onDone);
+    void removeFromTree(const Advice &item);
+    void detach(const NodePtr &node);
+    void setDying(std::optional<Dying> dying);
+
+    std::string m_scanPath;
+    NodePtr m_root;
+    NodePtr m_current;
+    bool m_scanning = false;
+    Progress m_progress;
+    Metric m_metric = Metric::size;
+    Mode m_mode = Mode::map;
+    std::optional<Tile> m_hovered;
+    std::vector<Advice> m_advice;
+    std::unordered_set<std::string> m_bountyPaths;
+    std::optional<Pending> m_pending;
+    std::optional<Dying> m_dying;
+    std::optional<QString> m_error;
+    std::vector<NodePtr> m_partial;
+    int m_zoomLevel = 0;
+    std::shared_ptr<Scanner> m_scanner;
+    QTimer m_timer;
+
+    SoundPlayer m_play;
+    FolderChooser m_chooseFolder;
+    std::function<Advisor::Context()> m_advisorContext;
+    std::unique_ptr<TrashCan> m_trash;
+    std::unique_ptr<Desktop> m_desktop;
+    std::chrono::milliseconds m_deathDuration{550};
+};
