@@ -8,7 +8,6 @@
 #include <chrono>
 #include <cstdio>
 #include <future>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -27,16 +26,6 @@ void showProgress(const Scanner::Progress &p)
 int runHeadlessReport(const std::string &path, CommandLine::ReportFormat format,
                       std::optional<int> depth)
 {
-    struct stat st;
-    if (stat(path.c_str(), &st) != 0) {
-        std::fprintf(stderr, "dustmere: no such folder: %s\n", path.c_str());
-        return 2;
-    }
-    if (!S_ISDIR(st.st_mode)) {
-        std::fprintf(stderr, "dustmere: not a folder: %s\n", path.c_str());
-        return 2;
-    }
-
     Scanner scanner;
     auto result = std::async(std::launch::async, [&scanner, &path] { return scanner.scan(path); });
     const bool terminal = isatty(STDERR_FILENO);

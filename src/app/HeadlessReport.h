@@ -4,6 +4,6 @@
 
 #include <string>
 
-// Scans a folder without a window and prints the report; returns the process exit status.
+// Scans an existing folder without a window and prints the report; returns the exit status.
 int runHeadlessReport(const std::string &path, CommandLine::ReportFormat format,
                       std::optional<int> depth);

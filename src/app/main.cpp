@@ -1,11 +1,24 @@
 #include "app/CommandLine.h"
 #include "app/HeadlessReport.h"
+#include "game/Game.h"
+#include "magic/Magic.h"
+#include "platform/Appearance.h"
 #include "platform/Home.h"
+#include "platform/Settings.h"
+#include "session/Migration.h"
+#include "session/Model.h"
+#include "ui/MainWindow.h"
+#include "ui/screens/FolderChooser.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QFile>
+#include <QIcon>
+#include <QLoggingCategory>
+#include <QStyleFactory>
 
 #include <cstdio>
+#include <optional>
+#include <sys/stat.h>
 #include <cstdlib>
 
 namespace {
@@ -25,6 +38,47 @@ std::string normalized(const QString &path)
     while (p.size() > 1 && p.back() == '/')
         p.pop_back();
     return p;
+}
+
+// A one-line complaint when the folder to scan is unusable.
+std::optional<std::string> folderProblem(const std::string &path)
+{
+    struct stat st;
+    if (stat(path.c_str(), &st) != 0)
+        return "no such folder: " + path;
+    if (!S_ISDIR(st.st_mode))
+        return "not a folder: " + path;
+    return std::nullopt;
+}
+
+int runWindow(int argc, char *argv[], const CommandLine &cl)
+{
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Dustmere"));
+    QApplication::setApplicationVersion(QStringLiteral(DUSTMERE_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("dustmere"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/dustmere.svg")));
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    if (cl.appearance != CommandLine::Appearance::system) {
+        QApplication::setPalette(Appearance::palette(cl.appearance == CommandLine::Appearance::dark
+                                                         ? Appearance::Scheme::dark
+                                                         : Appearance::Scheme::light));
+    }
+    // Without a sound server Qt Multimedia complains on every attempt; silence is the intended outcome.
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.multimedia*=false"));
+
+    // Old settings are copied before the state objects read theirs.
+    Migration::migrate();
+    const bool reduceMotion =
+        cl.reduceMotion || Settings::boolean(*Settings::open(), QStringLiteral("reduceMotion")).value_or(false);
+
+    Model model;
+    Game game;
+    Magic magic;
+    model.setFolderChooser(FolderChooser::dialog());
+    MainWindow window(model, game, magic, {cl.scanPath, reduceMotion});
+    window.show();
+    return QApplication::exec();
 }
 
 } // namespace
@@ -49,12 +103,13 @@ int main(int argc, char *argv[])
         std::printf("dustmere %s\n", DUSTMERE_VERSION);
         return 0;
     }
-
-    const std::string path =
-        cl.scanPath && !cl.scanPath->isEmpty() ? normalized(*cl.scanPath) : Home::path();
+    const bool named = cl.scanPath && !cl.scanPath->isEmpty();
+    const std::string path = named ? normalized(*cl.scanPath) : Home::path();
+    if (const auto problem = folderProblem(path); problem && (named || cl.report || !hasDisplay())) {
+        std::fprintf(stderr, "dustmere: %s\n", problem->c_str());
+        return 2;
+    }
     if (cl.report || !hasDisplay())
         return runHeadlessReport(path, cl.report.value_or(CommandLine::ReportFormat::text), cl.depth);
-
-    // The window arrives with the main-window work; until then a desktop gets the report too.
-    return runHeadlessReport(path, CommandLine::ReportFormat::text, cl.depth);
+    return runWindow(argc, argv, cl);
 }

@@ -1,5 +1,6 @@
 #include "platform/Emoji.h"
 
+#include <QFontInfo>
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QPainter>
@@ -12,12 +13,19 @@ const QString &emojiFamily()
     return family;
 }
 
+// The real family behind a font: in a list of families Qt skips fontconfig aliases such as
+// "Sans Serif", and the emoji font (which has digits and spaces) would then draw the text.
+QString resolvedFamily(const QFont &font)
+{
+    return QFontInfo(font).family();
+}
+
 } // namespace
 
 QFont Emoji::font(qreal pointSize)
 {
     QFont f;
-    f.setFamilies({emojiFamily(), QGuiApplication::font().family()});
+    f.setFamilies({emojiFamily(), resolvedFamily(QGuiApplication::font())});
     f.setPointSizeF(pointSize);
     return f;
 }
@@ -25,7 +33,7 @@ QFont Emoji::font(qreal pointSize)
 QFont Emoji::mixedFont(const QFont &textFont)
 {
     QFont f = textFont;
-    f.setFamilies({textFont.family(), emojiFamily()});
+    f.setFamilies({resolvedFamily(textFont), emojiFamily()});
     return f;
 }
 
@@ -35,6 +43,9 @@ void Emoji::drawCentered(QPainter &painter, const QString &emoji, const QPointF 
     f.setPixelSize(qMax(1, qRound(pixelSize)));
     painter.save();
     painter.setFont(f);
+    // Text draws nothing with no pen, the usual state right after filling a shape.
+    if (painter.pen().style() == Qt::NoPen)
+        painter.setPen(Qt::black);
     const QRectF box(centre.x() - pixelSize * 2, centre.y() - pixelSize * 2, pixelSize * 4, pixelSize * 4);
     painter.drawText(box, Qt::AlignCenter, emoji);
     painter.restore();

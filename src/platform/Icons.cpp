@@ -29,9 +29,7 @@ const QHash<QString, QString> &table()
         {QStringLiteral("plus"), QStringLiteral("zoom-in-symbolic")},
         {QStringLiteral("minus"), QStringLiteral("zoom-out-symbolic")},
         {QStringLiteral("info"), QStringLiteral("dialog-information-symbolic")},
-        {QStringLiteral("bolt.fill"), QStringLiteral("media-flash-symbolic")},
         {QStringLiteral("magnifyingglass"), QStringLiteral("edit-find-symbolic")},
-        {QStringLiteral("checkmark.circle.fill"), QStringLiteral("emblem-ok-symbolic")},
         {QStringLiteral("checkmark.seal.fill"), QStringLiteral("emblem-ok-symbolic")},
         {QStringLiteral("eye.fill"), QStringLiteral("view-reveal-symbolic")},
         {QStringLiteral("pencil"), QStringLiteral("document-edit-symbolic")},
@@ -50,6 +48,18 @@ void drawGlyph(QPainter &p, const QString &name, qreal s)
         p.drawRoundedRect(QRectF(s * 0.7, s * 0.36, w, s * 0.56), 1.5, 1.5);
         return;
     }
+    if (name == QLatin1String("bolt.fill")) {
+        p.drawPolygon(QPolygonF({{s * 0.58, s * 0.04}, {s * 0.18, s * 0.56}, {s * 0.46, s * 0.56},
+                                 {s * 0.38, s * 0.96}, {s * 0.82, s * 0.42}, {s * 0.54, s * 0.42}}));
+        return;
+    }
+    if (name == QLatin1String("checkmark.circle.fill")) {
+        p.drawEllipse(QRectF(s * 0.06, s * 0.06, s * 0.88, s * 0.88));
+        p.setCompositionMode(QPainter::CompositionMode_Clear);
+        p.setPen(QPen(Qt::black, qMax(1.5, s * 0.11), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        p.drawPolyline(QPolygonF({{s * 0.3, s * 0.52}, {s * 0.44, s * 0.66}, {s * 0.7, s * 0.36}}));
+        return;
+    }
     QPen pen(p.brush().color(), qMax(1.5, s * 0.12), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
     p.setPen(pen);
     p.setBrush(Qt::NoBrush);
@@ -65,6 +75,29 @@ void drawGlyph(QPainter &p, const QString &name, qreal s)
     } else {
         p.drawEllipse(QRectF(s * 0.2, s * 0.2, s * 0.6, s * 0.6));
     }
+}
+
+// Adwaita backs whatever theme the desktop has; without a desktop it is the theme.
+void useAdwaitaBehindTheTheme()
+{
+    static const bool done = [] {
+        QStringList paths = QIcon::themeSearchPaths();
+        const QByteArray dataDirs = qgetenv("XDG_DATA_DIRS");
+        const QString dirs = dataDirs.isEmpty() ? QStringLiteral("/usr/local/share:/usr/share") : QString::fromLocal8Bit(dataDirs);
+        for (const QString &dir : dirs.split(u':', Qt::SkipEmptyParts)) {
+            const QString icons = dir + QStringLiteral("/icons");
+            if (!paths.contains(icons))
+                paths << icons;
+        }
+        QIcon::setThemeSearchPaths(paths);
+        const QString theme = QIcon::themeName();
+        if (theme.isEmpty() || theme == QLatin1String("hicolor"))
+            QIcon::setThemeName(QStringLiteral("Adwaita"));
+        else
+            QIcon::setFallbackThemeName(QStringLiteral("Adwaita"));
+        return true;
+    }();
+    (void)done;
 }
 
 QPixmap tinted(const QPixmap &source, const QColor &color)
@@ -85,8 +118,7 @@ QString Icons::themeName(const QString &symbol)
 
 QIcon Icons::symbol(const QString &name, const QColor &color, int size)
 {
-    if (QIcon::themeName().isEmpty() && QIcon::fallbackThemeName() != QLatin1String("Adwaita"))
-        QIcon::setFallbackThemeName(QStringLiteral("Adwaita"));
+    useAdwaitaBehindTheTheme();
     const qreal ratio = qApp ? qApp->devicePixelRatio() : 1.0;
     const int px = qRound(size * ratio);
     QIcon icon;

@@ -1,7 +1,5 @@
 #include "platform/Spring.h"
 
-#include <QPointF>
-
 #include <cmath>
 #include <numbers>
 
@@ -30,20 +28,4 @@ double Spring::value(double t) const
     const double r1 = -z * w + s;
     const double r2 = -z * w - s;
     return 1 - (r2 * std::exp(r1 * t) - r1 * std::exp(r2 * t)) / (r2 - r1);
-}
-
-QEasingCurve Spring::easing() const
-{
-    // Sampled into a spline: QEasingCurve takes no parameterised functions.
-    QEasingCurve curve(QEasingCurve::BezierSpline);
-    constexpr int segments = 40;
-    const double total = m_durationMs / 1000.0;
-    QPointF previous(0, 0);
-    for (int i = 1; i <= segments; ++i) {
-        const double x = double(i) / segments;
-        const QPointF next(x, i == segments ? 1.0 : value(x * total));
-        curve.addCubicBezierSegment(previous + (next - previous) / 3, previous + (next - previous) * 2 / 3, next);
-        previous = next;
-    }
-    return curve;
 }

@@ -133,8 +133,14 @@ void JsonWriter::writeString(std::string_view utf8)
 {
     static constexpr char hex[] = "0123456789abcdef";
     m_out += '"';
-    for (const char ch : utf8) {
-        const auto c = static_cast<unsigned char>(ch);
+    // Copy runs that need no escaping in one go; most names are such runs entirely.
+    std::size_t runStart = 0;
+    for (std::size_t i = 0; i < utf8.size(); ++i) {
+        const auto c = static_cast<unsigned char>(utf8[i]);
+        if (c >= 0x20 && c != '"' && c != '\\')
+            continue;
+        m_out.append(utf8.data() + runStart, i - runStart);
+        runStart = i + 1;
         switch (c) {
         case '"': m_out += "\\\""; break;
         case '\\': m_out += "\\\\"; break;
@@ -142,14 +148,11 @@ void JsonWriter::writeString(std::string_view utf8)
         case '\r': m_out += "\\r"; break;
         case '\t': m_out += "\\t"; break;
         default:
-            if (c < 0x20) {
-                m_out += "\\u00";
-                m_out += hex[c >> 4];
-                m_out += hex[c & 0xF];
-            } else {
-                m_out += ch;
-            }
+            m_out += "\\u00";
+            m_out += hex[c >> 4];
+            m_out += hex[c & 0xF];
         }
     }
+    m_out.append(utf8.data() + runStart, utf8.size() - runStart);
     m_out += '"';
 }

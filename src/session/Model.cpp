@@ -163,7 +163,13 @@ void Model::scan(Game &game)
             result.advice = Advisor::advise(result.root, scanner->bigFiles(), context);
         return result;
     }).then(this, [this, scanner, weakGame](ScanResult result) {
-        finishScan(scanner, std::move(result), weakGame);
+        // A scan that is already over when the continuation is attached would otherwise finish
+        // inside scan() itself; observers expect to see it start first.
+        QMetaObject::invokeMethod(
+            this, [this, scanner, weakGame, result = std::move(result)]() mutable {
+                finishScan(scanner, std::move(result), weakGame);
+            },
+            Qt::QueuedConnection);
     });
 }
 

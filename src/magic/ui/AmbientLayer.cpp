@@ -1,0 +1,117 @@
+#include "magic/ui/AmbientLayer.h"
+
+#include "platform/Appearance.h"
+
+#include <QPainter>
+#include <QRadialGradient>
+#include <algorithm>
+
+namespace {
+
+constexpr int frameMs = 34; // at most 30 frames a second
+const QColor warmMote = QColor::fromRgbF(1.0f, 0.9f, 0.45f);
+
+// A filled ellipse whose edge is softened over `blur` points on each side.
+void softEllipse(QPainter &painter, const QRectF &ellipse, double blur, QColor colour)
+{
+    const double rx = ellipse.width() / 2 + blur;
+    const double ry = ellipse.height() / 2 + blur;
+    if (rx <= 0 || ry <= 0)
+        return;
+    // Full inside the shrunk ellipse, half at the true edge, nothing beyond the grown one.
+    const double mean = (ellipse.width() + ellipse.height()) / 4;
+    const double core = std::max(mean - blur, 0.0) / (mean + blur);
+    QRadialGradient g(QPointF(0, 0), 1);
+    constexpr int steps = 12;
+    for (int i = 0; i <= steps; ++i) {
+        const double s = double(i) / steps;
+        const double fade = 1 - s * s * (3 - 2 * s);
+        QColor c = colour;
+        c.setAlphaF(float(colour.alphaF() * fade));
+        g.setColorAt(core + (1 - core) * s, c);
+    }
+    if (core > 0)
+        g.setColorAt(0, colour);
+    painter.save();
+    painter.translate(ellipse.center());
+    painter.scale(rx, ry);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(g);
+    painter.drawEllipse(QPointF(0, 0), 1.0, 1.0);
+    painter.restore();
+}
+
+} // namespace
+
+AmbientLayer::AmbientLayer(bool reduceMotion, QWidget *parent)
+    : QWidget(parent), m_reduceMotion(reduceMotion), m_motes(AmbientGeometry::motes()),
+      m_frames(this)
+{
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setAttribute(Qt::WA_NoSystemBackground);
+    setFocusPolicy(Qt::NoFocus);
+    m_frames.setInterval(frameMs);
+    connect(&m_frames, &QTimer::timeout, this, qOverload<>(&QWidget::update));
+    m_clock.start();
+}
+
+void AmbientLayer::setReduceMotion(bool on)
+{
+    if (on == m_reduceMotion)
+        return;
+    m_reduceMotion = on;
+    updateTimer();
+    update();
+}
+
+void AmbientLayer::updateTimer()
+{
+    if (isVisible() && !m_reduceMotion)
+        m_frames.start();
+    else
+        m_frames.stop();
+}
+
+void AmbientLayer::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    updateTimer();
+}
+
+void AmbientLayer::hideEvent(QHideEvent *event)
+{
+    QWidget::hideEvent(event);
+    updateTimer();
+}
+
+void AmbientLayer::paintEvent(QPaintEvent *)
+{
+    if (m_reduceMotion)
+        return;
+    QPainter painter(this);
+    paintFrame(painter, size(), m_clock.elapsed() / 1000.0, Appearance::isDark(palette()), m_motes);
+}
+
+void AmbientLayer::paintFrame(
+    QPainter &painter, QSizeF size, double t, bool dark,
+    const std::array<AmbientGeometry::Mote, AmbientGeometry::moteCount> &motes)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    QColor shadow(Qt::black);
+    shadow.setAlphaF(dark ? 0.12f : 0.07f);
+    for (int c = 0; c < AmbientGeometry::cloudCount; ++c) {
+        const QRectF cloud = AmbientGeometry::cloud(c, t, size);
+        if (!cloud.isEmpty())
+            softEllipse(painter, cloud, AmbientGeometry::cloudBlur, shadow);
+    }
+    const double half = AmbientGeometry::moteDiameter / 2;
+    for (const AmbientGeometry::Mote &mote : motes) {
+        QColor colour = dark ? warmMote : QColor(Qt::white);
+        colour.setAlphaF(float(AmbientGeometry::moteOpacity(mote, t)));
+        const QPointF centre = AmbientGeometry::moteCentre(mote, t, size);
+        softEllipse(painter, QRectF(centre.x() - half, centre.y() - half, 2 * half, 2 * half),
+                    AmbientGeometry::moteBlur, colour);
+    }
+    painter.restore();
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QToolButton>
+
+class QCheckBox;
+class QSlider;
+class Popover;
+
+// The sound control: a speaker that shows mute and volume, opening a small panel to change them.
+class VolumeButton : public QToolButton
+{
+    Q_OBJECT
+
+public:
+    explicit VolumeButton(QWidget *parent = nullptr);
+
+    [[nodiscard]] QString symbolName() const;
+    [[nodiscard]] QCheckBox *soundSwitch() const { return m_switch; }
+    [[nodiscard]] QSlider *slider() const { return m_slider; }
+    [[nodiscard]] Popover *popover() const { return m_popover; }
+
+protected:
+    void changeEvent(QEvent *event) override;
+
+private:
+    void refreshIcon();
+
+    double m_volume;
+    bool m_muted;
+    QCheckBox *m_switch;
+    QSlider *m_slider;
+    Popover *m_popover;
+};

@@ -1,0 +1,182 @@
+#include "ui/screens/RankingView.h"
+
+#include "game/Game.h"
+#include "session/Model.h"
+#include "ui/screens/RankRow.h"
+
+#include <QEvent>
+#include <QScrollBar>
+#include <QTimer>
+#include <algorithm>
+#include <unordered_map>
+
+RankingView::RankingView(Model &model, Game &game, QWidget *parent)
+    : QScrollArea(parent), m_model(model), m_game(game), m_column(new QWidget)
+{
+    setFrameShape(QFrame::NoFrame);
+    setWidgetResizable(false);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    setWidget(m_column);
+    m_column->setAutoFillBackground(false);
+    viewport()->setAutoFillBackground(false);
+    setAccessibleName(tr("Ranking"));
+
+    connect(&m_model, &Model::currentChanged, this, [this] { invalidate(true); });
+    connect(&m_model, &Model::rootChanged, this, [this] { invalidate(true); });
+    // A new metric re-sorts everything and runs the grow-in again, so every row starts afresh.
+    connect(&m_model, &Model::metricChanged, this, [this] { invalidate(true); });
+    connect(&m_model, &Model::changed, this, [this] { invalidate(false); });
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &RankingView::materializeVisible);
+}
+
+void RankingView::setReduceMotion(bool on)
+{
+    m_reduceMotion = on;
+    for (const auto &row : m_rows)
+        if (row)
+            row->setReduceMotion(on);
+}
+
+QRect RankingView::rowRect(int index, int width)
+{
+    return {padding, padding + index * (RankRow::rowHeight + spacing), width - 2 * padding,
+            RankRow::rowHeight};
+}
+
+double RankingView::fractionOf(const Tile &tile) const
+{
+    return tile.value / m_top;
+}
+
+void RankingView::invalidate(bool freshRows)
+{
+    m_stale = true;
+    m_freshRows = m_freshRows || freshRows;
+    if (!isVisible() || m_scheduled)
+        return;
+    m_scheduled = true;
+    QTimer::singleShot(0, this, [this] {
+        m_scheduled = false;
+        rebuildIfStale();
+    });
+}
+
+void RankingView::rebuildIfStale()
+{
+    if (!m_stale)
+        return;
+    m_stale = false;
+    m_tiles = m_model.tiles(limit);
+    m_top = m_tiles.empty() || m_tiles.front().value <= 0 ? 1.0 : m_tiles.front().value;
+
+    // Rows whose tile is still listed keep their state; the rest go.
+    std::unordered_map<std::string, QPointer<RankRow>> kept;
+    for (const auto &row : m_rows) {
+        if (!row)
+            continue;
+        if (m_freshRows) {
+            row->hide();
+            row->deleteLater();
+        } else {
+            kept.emplace(row->tile().id, row);
+        }
+    }
+    m_freshRows = false;
+    m_rows.assign(m_tiles.size(), nullptr);
+    for (std::size_t i = 0; i < m_tiles.size(); ++i) {
+        const auto found = kept.find(m_tiles[i].id);
+        if (found == kept.end())
+            continue;
+        m_rows[i] = found->second;
+        m_rows[i]->setEntry(int(i) + 1, m_tiles[i], fractionOf(m_tiles[i]));
+        kept.erase(found);
+    }
+    for (auto &[id, row] : kept) {
+        row->hide();
+        row->deleteLater();
+    }
+    placeRows();
+}
+
+void RankingView::placeRows()
+{
+    const int n = int(m_tiles.size());
+    const int width = viewport()->width();
+    const int height = n == 0 ? 0 : 2 * padding + n * RankRow::rowHeight + (n - 1) * spacing;
+    m_column->resize(width, height);
+    for (int i = 0; i < n; ++i)
+        if (m_rows[i])
+            m_rows[i]->setBaseGeometry(rowRect(i, width));
+    materializeVisible();
+}
+
+void RankingView::materializeVisible()
+{
+    if (m_tiles.empty())
+        return;
+    // One screen ahead in both directions, so scrolling and tabbing find rows already there.
+    const int top = verticalScrollBar()->value() - viewport()->height();
+    const int bottom = verticalScrollBar()->value() + 2 * viewport()->height();
+    const int pitch = RankRow::rowHeight + spacing;
+    materialize(std::max(0, (top - padding) / pitch), (bottom - padding) / pitch);
+}
+
+void RankingView::materialize(int from, int to)
+{
+    to = std::min(to, int(m_tiles.size()) - 1);
+    const int width = viewport()->width();
+    for (int i = from; i <= to; ++i) {
+        if (m_rows[i])
+            continue;
+        auto *row =
+            new RankRow(m_model, m_game, i + 1, m_tiles[i], fractionOf(m_tiles[i]), m_column);
+        row->setReduceMotion(m_reduceMotion);
+        row->setBaseGeometry(rowRect(i, width));
+        row->installEventFilter(this);
+        m_rows[i] = row;
+        row->show();
+    }
+}
+
+const std::vector<Tile> &RankingView::tiles()
+{
+    rebuildIfStale();
+    return m_tiles;
+}
+
+RankRow *RankingView::row(int index)
+{
+    rebuildIfStale();
+    if (index < 0 || index >= int(m_tiles.size()))
+        return nullptr;
+    materialize(index, index);
+    return m_rows[index];
+}
+
+int RankingView::createdRows() const
+{
+    return int(
+        std::count_if(m_rows.begin(), m_rows.end(), [](const auto &r) { return !r.isNull(); }));
+}
+
+void RankingView::resizeEvent(QResizeEvent *event)
+{
+    QScrollArea::resizeEvent(event);
+    placeRows();
+}
+
+void RankingView::showEvent(QShowEvent *event)
+{
+    QScrollArea::showEvent(event);
+    rebuildIfStale();
+    placeRows();
+}
+
+bool RankingView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::FocusIn)
+        if (auto *row = qobject_cast<RankRow *>(watched))
+            ensureWidgetVisible(row, 0, padding);
+    return QScrollArea::eventFilter(watched, event);
+}

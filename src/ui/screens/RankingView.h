@@ -1,0 +1,64 @@
+#pragma once
+
+#include "session/Tile.h"
+
+#include <QPointer>
+#include <QScrollArea>
+#include <vector>
+
+class Game;
+class Model;
+class RankRow;
+
+// The tiles of the current folder as ranked rows, largest first.
+//
+// Rows are widgets placed by hand in a column whose height is known up front (every row has the
+// same height), and a row is only created when it scrolls near the viewport. A widget per row
+// keeps each row's own animations (grow-in, hover, death) and its accessibility simple, and
+// creating them lazily keeps a change of level or metric to the handful of rows on screen; a
+// model/delegate list would have to re-implement the per-row animation state by hand.
+class RankingView : public QScrollArea
+{
+    Q_OBJECT
+
+public:
+    static constexpr int limit = 100;
+    static constexpr int padding = 12;
+    static constexpr int spacing = 2;
+
+    RankingView(Model &model, Game &game, QWidget *parent = nullptr);
+
+    void setReduceMotion(bool on);
+
+    // The listed tiles, in rank order (rebuilt first when stale).
+    [[nodiscard]] const std::vector<Tile> &tiles();
+    // The row of a rank (0-based index), created if it was not yet; nullptr out of range.
+    [[nodiscard]] RankRow *row(int index);
+    // Rows that exist right now (those that came near the viewport).
+    [[nodiscard]] int createdRows() const;
+    [[nodiscard]] static QRect rowRect(int index, int width);
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void invalidate(bool freshRows);
+    void rebuildIfStale();
+    void placeRows();
+    void materialize(int from, int to);
+    void materializeVisible();
+    [[nodiscard]] double fractionOf(const Tile &tile) const;
+
+    Model &m_model;
+    Game &m_game;
+    QWidget *m_column;
+    std::vector<Tile> m_tiles;
+    std::vector<QPointer<RankRow>> m_rows;
+    double m_top = 1;
+    bool m_stale = true;
+    bool m_freshRows = true;
+    bool m_scheduled = false;
+    bool m_reduceMotion = false;
+};

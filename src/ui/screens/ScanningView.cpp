@@ -1,0 +1,180 @@
+#include "ui/screens/ScanningView.h"
+
+#include "game/Game.h"
+#include "magic/ui/AmbientLayer.h"
+#include "platform/Appearance.h"
+#include "platform/Spring.h"
+#include "scan/Fmt.h"
+#include "session/Model.h"
+#include "ui/screens/MaterialCard.h"
+#include "ui/screens/SwayingBroom.h"
+#include "ui/screens/TextStyle.h"
+#include "world/ui/WorldCanvas.h"
+
+#include <QFile>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QPushButton>
+#include <QShortcut>
+#include <QVBoxLayout>
+#include <algorithm>
+
+ScanningView::ScanningView(Model &model, Game &game, bool reduceMotion, QWidget *parent)
+    : QWidget(parent), m_model(model), m_game(game), m_reduceMotion(reduceMotion),
+      m_canvas(std::make_unique<WorldCanvas>()), m_ambient(new AmbientLayer(reduceMotion, this)),
+      m_card(new MaterialCard(14, this))
+{
+    setFocusPolicy(Qt::StrongFocus);
+    setAccessibleName(tr("Scanning"));
+
+    auto *row = new QHBoxLayout(m_card);
+    row->setContentsMargins(18, 12, 18, 12);
+    row->setSpacing(14);
+    row->addWidget(new SwayingBroom(reduceMotion, m_card));
+    auto *column = new QVBoxLayout;
+    column->setSpacing(2);
+    m_heading = new QLabel(m_card);
+    m_heading->setFont(TextStyle::headline());
+    column->addWidget(m_heading);
+    m_status = new QLabel(m_card);
+    m_status->setFont(TextStyle::callout());
+    TextStyle::makeSecondary(m_status);
+    column->addWidget(m_status);
+    row->addLayout(column);
+    m_stop = new QPushButton(tr("Stop"), m_card);
+    m_stop->setToolTip(tr("Stop (Esc)"));
+    connect(m_stop, &QPushButton::clicked, &m_model, &Model::stop);
+    // A button's own shortcut clicks it 100 ms later; the cancel key should stop at once.
+    auto *cancel = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+    connect(cancel, &QShortcut::activated, m_stop, &QPushButton::click);
+    row->addWidget(m_stop);
+
+    m_fadeIn.setSpring(Spring(0.5, 0.8));
+    connect(&m_fadeIn, &QVariantAnimation::valueChanged, this, [this](const QVariant &v) {
+        m_islandOpacity = std::clamp(v.toDouble(), 0.0, 1.0);
+        update();
+    });
+
+    connect(&m_model, &Model::progressChanged, this, &ScanningView::refreshText);
+    connect(&m_model, &Model::scanPathChanged, this, [this] {
+        m_islandStale = true;
+        refreshText();
+    });
+    connect(&m_model, &Model::partialChanged, this, &ScanningView::partialChanged);
+    connect(&m_game, &Game::fantasyNamesChanged, this, [this] {
+        m_islandStale = true;
+        update();
+    });
+    refreshText();
+    partialChanged();
+}
+
+ScanningView::~ScanningView() = default;
+
+QString ScanningView::folderName() const
+{
+    return QFile::decodeName(QByteArray::fromStdString(Node::rootName(m_model.scanPath())));
+}
+
+std::string ScanningView::childPath(const std::string &name) const
+{
+    const std::string &base = m_model.scanPath();
+    return base.empty() || base.back() == '/' ? base + name : base + "/" + name;
+}
+
+QString ScanningView::heading() const
+{
+    return m_heading->text();
+}
+
+QString ScanningView::status() const
+{
+    return m_status->text();
+}
+
+void ScanningView::refreshText()
+{
+    m_heading->setText(tr("Charting %1…").arg(folderName()));
+    const Model::Progress progress = m_model.progress();
+    m_status->setText(tr("%1 territories charted · %2 files · %3")
+                          .arg(m_model.partial().size())
+                          .arg(Fmt::count(progress.files), Fmt::bytes(progress.bytes)));
+    placeCard();
+}
+
+void ScanningView::partialChanged()
+{
+    const bool had = m_hasIsland;
+    m_hasIsland = !m_model.partial().empty();
+    m_islandStale = true;
+    if (m_hasIsland && !had) {
+        if (m_reduceMotion || !isVisible()) {
+            m_islandOpacity = 1;
+        } else {
+            m_islandOpacity = 0;
+            m_fadeIn.run(0, 1);
+        }
+    } else if (!m_hasIsland) {
+        m_fadeIn.stop();
+        m_islandOpacity = 0;
+    }
+    refreshText();
+    update();
+}
+
+void ScanningView::rebuildIsland()
+{
+    m_islandStale = false;
+    std::vector<Tile> tiles;
+    for (const NodePtr &node : m_model.partial()) {
+        if (node->size() == 0)
+            continue;
+        tiles.push_back(Tile{node->name(), Tile::Folder{node}, node->name(), double(node->size())});
+    }
+    std::stable_sort(tiles.begin(), tiles.end(),
+                     [](const Tile &a, const Tile &b) { return a.value > b.value; });
+    const auto explored = [this](const std::string &path) { return m_game.hasSeen(path); };
+    const auto bounties = [](const std::string &) { return std::int64_t(0); };
+    const auto title = [this](const Tile &tile, std::optional<Tier> tier) {
+        if (!tile.folder())
+            return QFile::decodeName(QByteArray::fromStdString(tile.name));
+        return m_game.placeName(childPath(tile.name), tile.name, tier);
+    };
+    m_canvas->setWorld(
+        WorldLayout::build(tiles, m_model.scanPath(), QSizeF(size()), explored, bounties, title),
+        tr("Charting %1").arg(folderName()));
+}
+
+void ScanningView::paintEvent(QPaintEvent *)
+{
+    QPainter p(this);
+    p.fillRect(rect(), Appearance::resolve(sea, palette()));
+    if (!m_hasIsland || m_islandOpacity <= 0)
+        return;
+    if (m_islandStale)
+        rebuildIsland();
+    p.setOpacity(m_islandOpacity);
+    m_canvas->draw(p, QRectF(rect()), palette(), devicePixelRatioF());
+}
+
+void ScanningView::placeCard()
+{
+    const QSize hint = m_card->sizeHint();
+    const int w = std::min(hint.width(), width() - 24);
+    m_card->setGeometry((width() - w) / 2, height() - cardBottom - hint.height(), w, hint.height());
+}
+
+void ScanningView::resizeEvent(QResizeEvent *)
+{
+    m_ambient->setGeometry(rect());
+    m_islandStale = true;
+    placeCard();
+}
+
+void ScanningView::showEvent(QShowEvent *)
+{
+    m_ambient->setGeometry(rect());
+    m_card->raise();
+    placeCard();
+}

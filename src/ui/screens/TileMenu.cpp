@@ -1,0 +1,35 @@
+#include "ui/screens/TileMenu.h"
+
+#include "game/Game.h"
+#include "session/Model.h"
+#include "ui/screens/EmojiMenuStyle.h"
+
+TileMenu::TileMenu(Model &model, Game &game, Tile tile, QWidget *parent)
+    : QMenu(parent), m_model(model), m_game(game), m_tile(std::move(tile))
+{
+    auto *style = new EmojiMenuStyle;
+    style->setParent(this);
+    setStyle(style);
+    if (const NodePtr *node = m_tile.folder()) {
+        addFolderItems(*node);
+    } else if (m_model.current()) {
+        addAction(tr("Reveal Folder in Finder"), this, [this] {
+            if (const NodePtr &current = m_model.current())
+                m_model.reveal(current->path());
+        });
+    }
+}
+
+void TileMenu::addFolderItems(const NodePtr &node)
+{
+    QAction *open = addAction(tr("Open"), this, [this, node] { m_model.go(node, m_game); });
+    open->setEnabled(!node->children().empty());
+    addAction(tr("Show on Map"), this, [this, node] { m_model.show(node, m_game); });
+    addAction(tr("Reveal in Finder"), this, [this, node] { m_model.reveal(node->path()); });
+    if (m_model.canSlay(*node)) {
+        addSeparator();
+        const QString slay = tr("⚔️ Slay (Move to Trash)…");
+        addAction(EmojiMenuStyle::icon(EmojiMenuStyle::leadingEmoji(slay)), slay, this,
+                  [this, node] { m_model.setPending(Model::PendingFolder{node}); });
+    }
+}

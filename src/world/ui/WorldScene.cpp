@@ -1,0 +1,210 @@
+#include "world/ui/WorldScene.h"
+
+#include "game/Game.h"
+#include "magic/ui/SpellFXLayer.h"
+#include "platform/Appearance.h"
+#include "session/Model.h"
+#include "world/Player.h"
+#include "world/ui/RegionHighlight.h"
+#include "world/ui/SceneAccessible.h"
+
+#include <QEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <cmath>
+#include <map>
+
+namespace {
+
+constexpr auto framePeriod = std::chrono::milliseconds(16);
+
+} // namespace
+
+WorldScene::WorldScene(Model &model, Game &game, Player &player, bool reduceMotion, QWidget *parent)
+    : QWidget(parent), m_model(model), m_game(game), m_player(player), m_reduceMotion(reduceMotion),
+      m_hero(new HeroLayer(player, model, game, reduceMotion, this))
+{
+    SceneAccessible::install();
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setFocusPolicy(Qt::NoFocus);
+    m_frames.setInterval(framePeriod);
+    m_frames.setTimerType(Qt::PreciseTimer);
+    connect(&m_frames, &QTimer::timeout, this, &WorldScene::frame);
+
+    connect(&m_player, &Player::posChanged, this, &WorldScene::heroMoved);
+    connect(&m_player, &Player::facingLeftChanged, this, &WorldScene::heroMoved);
+    connect(&m_player, &Player::movingChanged, this, &WorldScene::heroMoved);
+    connect(&m_player, &Player::regionIndexChanged, this, &WorldScene::regionChanged);
+    connect(&m_player, &Player::effectsChanged, this, [this] {
+        startFrames();
+        update();
+    });
+    connect(m_hero, &HeroLayer::changed, this, [this] {
+        m_hero->place(offset());
+        updateWorldRect(m_hero->bounds(m_player.clock().now()) | m_lastHero);
+        startFrames();
+    });
+    connect(&m_model, &Model::dyingChanged, this, &WorldScene::dyingChanged);
+}
+
+QPointF WorldScene::offset() const
+{
+    const double dpr = devicePixelRatioF();
+    const QPointF o = m_player.cameraOffset();
+    return {std::round(o.x() * dpr) / dpr, std::round(o.y() * dpr) / dpr};
+}
+
+void WorldScene::setWorld(const WorldLayout &layout, const QString &title)
+{
+    m_canvas.setWorld(layout, title);
+
+    std::map<std::string, const MonsterSprite *> before;
+    for (const MonsterSprite &s : m_sprites) {
+        if (s.region().path)
+            before.emplace(*s.region().path, &s);
+    }
+    const double now = m_player.clock().now();
+    std::vector<MonsterSprite> sprites;
+    for (const Region &r : layout.regions) {
+        if (!r.hasMonster())
+            continue;
+        const auto old = before.find(*r.path);
+        // A monster that was on the map keeps its breath; one that just came out of the fog
+        // starts breathing now.
+        const bool keep = old != before.end() && old->second->region().explored == r.explored;
+        MonsterSprite sprite(r, keep ? old->second->shownAt() : now);
+        if (old != before.end() && m_model.isDying(*r.path))
+            sprite.setDeath(old->second->death());
+        sprites.push_back(std::move(sprite));
+    }
+    m_sprites = std::move(sprites);
+    m_hero->place(offset());
+    startFrames();
+    update();
+}
+
+void WorldScene::dyingChanged()
+{
+    const double now = m_player.clock().now();
+    const auto &dying = m_model.dying();
+    for (MonsterSprite &s : m_sprites) {
+        const bool isDying = dying && s.region().path && *s.region().path == dying->path;
+        if (isDying && !s.death())
+            s.setDeath(MonsterSprite::Death{now, dying->xpt});
+    }
+    startFrames();
+    update();
+}
+
+void WorldScene::heroMoved()
+{
+    const QPointF o = offset();
+    const QRectF hero = m_hero->bounds(m_player.clock().now());
+    if (o != m_lastOffset) {
+        update();
+    } else {
+        updateWorldRect(hero | m_lastHero);
+    }
+    m_hero->place(o);
+    startFrames();
+}
+
+void WorldScene::regionChanged()
+{
+    updateWorldRect(RegionHighlight::bounds(m_player) | m_lastHighlight);
+}
+
+void WorldScene::updateWorldRect(const QRectF &worldRect)
+{
+    if (worldRect.isEmpty())
+        return;
+    update(worldRect.translated(offset()).toAlignedRect().adjusted(-1, -1, 1, 1));
+}
+
+void WorldScene::startFrames()
+{
+    if (!m_frames.isActive())
+        m_frames.start();
+}
+
+void WorldScene::frame()
+{
+    const double now = m_player.clock().now();
+    bool full = !m_player.effects().empty();
+    bool any = full;
+    std::vector<QRectF> dirty;
+    for (const MonsterSprite &s : m_sprites) {
+        if (!s.animating(now, m_reduceMotion) && !(s.death() && s.dyingAt(now - 0.1)))
+            continue;
+        any = true;
+        if (s.death())
+            full = true;
+        else
+            dirty.push_back(s.bounds());
+    }
+    if (m_hero->animating(now)) {
+        any = true;
+        dirty.push_back(m_hero->bounds(now) | m_lastHero);
+    }
+    if (!any) {
+        m_frames.stop();
+        return;
+    }
+    if (full) {
+        update();
+        return;
+    }
+    const QRectF visible = QRectF(rect()).translated(-offset());
+    for (const QRectF &r : dirty) {
+        if (r.intersects(visible))
+            updateWorldRect(r);
+    }
+}
+
+void WorldScene::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(this);
+    paintFrame(painter, event->rect());
+}
+
+void WorldScene::paintFrame(QPainter &painter, const QRectF &viewRect)
+{
+    const WorldPalette colors = WorldPalette::of(palette());
+    const double now = m_player.clock().now();
+    const QPointF o = offset();
+    painter.fillRect(viewRect, colors.sea);
+    const WorldLayout &layout = m_canvas.layout();
+    if (layout.size.isEmpty())
+        return;
+
+    painter.save();
+    painter.translate(o);
+    const QRectF world = viewRect.translated(-o) & QRectF(QPointF(0, 0), layout.size);
+    if (!world.isEmpty())
+        m_canvas.draw(painter, world, palette(), devicePixelRatioF());
+    for (const MonsterSprite &s : m_sprites) {
+        if (s.death() || s.bounds().intersects(world))
+            s.paint(painter, m_stamps, now, m_reduceMotion);
+    }
+    RegionHighlight::paint(painter, m_player, Appearance::ink(palette()), world);
+    m_lastHighlight = RegionHighlight::bounds(m_player);
+    m_hero->paint(painter, m_stamps, now);
+    m_lastHero = m_hero->bounds(now);
+    if (!m_player.effects().empty())
+        SpellFXLayer::paint(painter, m_player, now, palette());
+    painter.restore();
+    m_lastOffset = o;
+}
+
+void WorldScene::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    m_hero->place(offset());
+}
+
+void WorldScene::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange)
+        update();
+    QWidget::changeEvent(event);
+}

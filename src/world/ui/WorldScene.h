@@ -1,0 +1,69 @@
+#pragma once
+
+#include "world/ui/HeroLayer.h"
+#include "world/ui/MonsterSprite.h"
+#include "world/ui/Stamps.h"
+#include "world/ui/WorldCanvas.h"
+
+#include <QTimer>
+#include <QWidget>
+#include <vector>
+
+class Game;
+class Model;
+class Player;
+
+// The world as the camera sees it: the cached island, then the monsters, the outline of the
+// hero's territory, the hero and the spell effects, all shifted by the hero's camera offset and
+// clipped to this widget. Walking repaints only the light layers over the cached island; one
+// frame timer runs while anything moves by itself.
+class WorldScene : public QWidget
+{
+    Q_OBJECT
+
+public:
+    WorldScene(Model &model, Game &game, Player &player, bool reduceMotion,
+               QWidget *parent = nullptr);
+
+    // A new island (or the same one again: an equal key and title keep the cached drawing).
+    void setWorld(const WorldLayout &layout, const QString &title);
+
+    [[nodiscard]] const WorldCanvas &canvas() const { return m_canvas; }
+    [[nodiscard]] HeroLayer &hero() { return *m_hero; }
+    [[nodiscard]] Model &model() const { return m_model; }
+    [[nodiscard]] Game &game() const { return m_game; }
+    [[nodiscard]] const Player &player() const { return m_player; }
+    [[nodiscard]] const std::vector<MonsterSprite> &sprites() const { return m_sprites; }
+    [[nodiscard]] bool framesRunning() const { return m_frames.isActive(); }
+    // The world's translation in this widget, rounded to whole device pixels.
+    [[nodiscard]] QPointF offset() const;
+
+    // Paints one frame of everything into `painter`, as the widget does for `viewRect`.
+    void paintFrame(QPainter &painter, const QRectF &viewRect);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    void heroMoved();
+    void regionChanged();
+    void dyingChanged();
+    void startFrames();
+    void frame();
+    void updateWorldRect(const QRectF &worldRect);
+
+    Model &m_model;
+    Game &m_game;
+    Player &m_player;
+    bool m_reduceMotion;
+    WorldCanvas m_canvas;
+    Stamps m_stamps;
+    std::vector<MonsterSprite> m_sprites;
+    HeroLayer *m_hero;
+    QTimer m_frames;
+    QPointF m_lastOffset;
+    QRectF m_lastHero;
+    QRectF m_lastHighlight;
+};

@@ -1,0 +1,277 @@
+#include "Fixtures.h"
+#include "platform/Appearance.h"
+#include "scan/Fmt.h"
+#include "support/TreeBuilder.h"
+#include "ui/screens/Meter.h"
+#include "ui/screens/RankRow.h"
+#include "ui/screens/RankingView.h"
+#include "ui/screens/TileMenu.h"
+
+#include <QGraphicsOpacityEffect>
+#include <QImage>
+
+using namespace Fixtures;
+using namespace TreeBuilder;
+
+namespace {
+
+constexpr std::uint64_t MB = 1'000'000;
+constexpr AdaptiveColor red{0xFF0000, 0xFF0000};
+
+// big/ (one 3 MB file and a sub-folder), mid/ (two files), many/ (30 small files), and 6 MB of
+// loose files: by size big, mid, many; by files many, big, mid (a tie kept in size order); the
+// loose files come last either way although they outweigh every folder.
+QByteArray makeTree()
+{
+    static const QByteArray root = [] {
+        const QByteArray r = sandboxPath("ranking");
+        makeDir(r);
+        makeDir(r + "/big");
+        makeFile(r + "/big/blob", 3 * MB);
+        makeDir(r + "/big/inner");
+        makeFile(r + "/big/inner/x", 4096);
+        makeDir(r + "/mid");
+        makeFile(r + "/mid/a", MB / 2);
+        makeFile(r + "/mid/b", MB / 2);
+        makeDir(r + "/many");
+        for (int i = 0; i < 30; ++i)
+            makeFile(r + "/many/f" + QByteArray::number(i), 100);
+        makeFile(r + "/loose1", 3 * MB);
+        makeFile(r + "/loose2", 3 * MB);
+        return r;
+    }();
+    return root;
+}
+
+QStringList names(const std::vector<Tile> &tiles)
+{
+    QStringList out;
+    for (const Tile &t : tiles)
+        out << QString::fromStdString(t.name);
+    return out;
+}
+
+QImage render(QWidget &w)
+{
+    w.setPalette(Appearance::palette(Appearance::Scheme::light));
+    QImage img(w.size(), QImage::Format_ARGB32);
+    img.fill(Qt::white);
+    w.render(&img);
+    return img;
+}
+
+bool isRed(QRgb c)
+{
+    return qRed(c) > 200 && qGreen(c) < 60 && qBlue(c) < 60;
+}
+
+QStringList texts(const QMenu &menu)
+{
+    QStringList out;
+    for (const QAction *a : menu.actions())
+        out << (a->isSeparator() ? QStringLiteral("—") : a->text());
+    return out;
+}
+
+} // namespace
+
+class TestRanking : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<Session> m_s;
+
+private Q_SLOTS:
+    void init()
+    {
+        m_s = std::make_unique<Session>();
+        QVERIFY(m_s->scan(makeTree()));
+    }
+
+    void rowsAreRankedByTheActiveMetric()
+    {
+        RankingView view(*m_s->model, *m_s->game);
+        view.resize(800, 400);
+        QCOMPARE(names(view.tiles()), QStringList({"big", "mid", "many", "Loose files"}));
+        const NodePtr big = m_s->at("big");
+        QCOMPARE(view.row(0)->accessibleName(),
+                 QStringLiteral("Rank 1, big, ") + Fmt::bytes(big->size()));
+        QCOMPARE(view.row(3)->accessibleName(), QStringLiteral("Rank 4, Loose files, ") +
+                                                    Fmt::bytes(m_s->model->root()->looseSize()));
+        QCOMPARE(view.row(0)->tier(), Tier::microbe);
+        QVERIFY(!view.row(3)->tier());
+
+        m_s->model->setMetric(Metric::files);
+        QCOMPARE(names(view.tiles()), QStringList({"many", "big", "mid", "Loose files"}));
+        QCOMPARE(view.row(0)->accessibleName(), QStringLiteral("Rank 1, many, 30 files"));
+        QCOMPARE(view.row(1)->accessibleName(), QStringLiteral("Rank 2, big, 2 files"));
+        QCOMPARE(view.row(3)->accessibleName(), QStringLiteral("Rank 4, Loose files, 2 files"));
+        // Every fraction is measured against the first row, so the loose files overflow it.
+        QCOMPARE(view.row(0)->fraction(), 1.0);
+        QCOMPARE(view.row(1)->fraction(), 2.0 / 30.0);
+    }
+
+    void theMeterClampsAndKeepsItsStub_data()
+    {
+        QTest::addColumn<double>("value");
+        QTest::addColumn<int>("lastRed"); // the last red column of a 200-point bar, roughly
+        QTest::newRow("empty") << 0.0 << 5;
+        QTest::newRow("negative") << -0.5 << 5;
+        QTest::newRow("tiny") << 0.01 << 5;
+        QTest::newRow("half") << 0.5 << 99;
+        QTest::newRow("full") << 1.0 << 199;
+        QTest::newRow("overflowing") << 2.5 << 199;
+    }
+
+    void theMeterClampsAndKeepsItsStub()
+    {
+        QFETCH(double, value);
+        QFETCH(int, lastRed);
+        Meter meter;
+        meter.resize(200, 14);
+        meter.setTint(red);
+        meter.jumpTo(value);
+        const QImage img = render(meter);
+        int last = -1;
+        for (int x = 0; x < img.width(); ++x)
+            if (isRed(img.pixel(x, 7)))
+                last = x;
+        QVERIFY2(std::abs(last - lastRed) <= 2, qPrintable(QString::number(last)));
+        // The bar is 6 points high, centred: nothing above or below it.
+        QVERIFY(!isRed(img.pixel(2, 2)));
+        QVERIFY(!isRed(img.pixel(2, 11)));
+    }
+
+    void aRowShowsTheStubUntilItHasGrown()
+    {
+        RankingView view(*m_s->model, *m_s->game);
+        view.resize(800, 400);
+        RankRow *row = view.row(0); // created, never shown: its grow-in has not started
+        QVERIFY(!row->grown());
+        QCOMPARE(row->meter()->shownValue(), 0.0);
+
+        view.setReduceMotion(true);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        RankRow *loose = view.row(3);
+        QVERIFY(loose->grown());
+        QVERIFY(loose->meter()->value() > 1.9);
+        // The overflowing loose files fill the bar and no more.
+        Meter *m = loose->meter();
+        m->setTint(red);
+        const QImage img = render(*m);
+        QVERIFY(isRed(img.pixel(m->width() - 2, m->height() / 2)));
+    }
+
+    void aMetricChangeRunsTheGrowInAgain()
+    {
+        RankingView view(*m_s->model, *m_s->game);
+        view.resize(800, 400);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        QTRY_COMPARE(view.row(0)->meter()->shownValue(), 1.0);
+
+        m_s->model->setMetric(Metric::files);
+        RankRow *first = view.row(0);
+        QCOMPARE(first->tile().name, std::string("many"));
+        QCOMPARE(first->meter()->shownValue(), 0.0);
+        QTRY_COMPARE(first->meter()->shownValue(), 1.0);
+    }
+
+    void clickingEntersFoldersWithSubFoldersOnly()
+    {
+        RankingView view(*m_s->model, *m_s->game);
+        view.resize(800, 400);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+
+        QTest::mouseClick(view.row(2), Qt::LeftButton); // many: files only
+        QCOMPARE(m_s->played, std::vector<Sound::Sfx>{Sound::Sfx::denied()});
+        QTest::mouseClick(view.row(3), Qt::LeftButton); // the loose files
+        QCOMPARE(m_s->played.back(), Sound::Sfx::denied());
+        QCOMPARE(m_s->model->current(), m_s->model->root());
+
+        QTest::mouseClick(view.row(0), Qt::LeftButton);
+        QCOMPARE(m_s->model->current(), m_s->at("big"));
+        QCOMPARE(m_s->played.back(), Sound::Sfx::dive());
+        QCOMPARE(names(view.tiles()), QStringList({"inner", "Loose files"}));
+    }
+
+    void hoveringGrowlsWithTheRowsMonster()
+    {
+        RankingView view(*m_s->model, *m_s->game);
+        view.resize(800, 400);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        QTest::mouseMove(view.row(1), QPoint(100, 10));
+        QTRY_VERIFY(view.row(1)->hot());
+        QCOMPARE(m_s->played, std::vector<Sound::Sfx>{Sound::Sfx::hover(Tier::microbe)});
+        // The loose files have no monster and stay silent.
+        QTest::mouseMove(view.row(3), QPoint(100, 10));
+        QTRY_VERIFY(view.row(3)->hot());
+        QVERIFY(!view.row(1)->hot());
+        QCOMPARE(m_s->played.size(), 1u);
+    }
+
+    void theTileMenuFitsTheTile()
+    {
+        Model &model = *m_s->model;
+        Game &game = *m_s->game;
+        const std::vector<Tile> tiles = model.tiles(100);
+
+        TileMenu big(model, game, tiles[0]);
+        QCOMPARE(texts(big), QStringList({"Open", "Show on Map", "Reveal in Finder", "—",
+                                          "⚔️ Slay (Move to Trash)…"}));
+        QVERIFY(big.actions()[0]->isEnabled());
+        TileMenu many(model, game, tiles[2]);
+        QVERIFY(!many.actions()[0]->isEnabled());
+
+        // The scan root is never offered for slaying.
+        Tile root{"root", Tile::Folder{model.root()}, "root", 1};
+        TileMenu rootMenu(model, game, root);
+        QCOMPARE(texts(rootMenu), QStringList({"Open", "Show on Map", "Reveal in Finder"}));
+
+        TileMenu loose(model, game, tiles[3]);
+        QCOMPARE(texts(loose), QStringList({"Reveal Folder in Finder"}));
+        loose.actions()[0]->trigger();
+        QCOMPARE(m_s->revealed->size(), 1);
+        QVERIFY(m_s->revealed->front().endsWith(QStringLiteral("/ranking")));
+
+        big.actions()[4]->trigger();
+        QVERIFY(model.pending());
+        QCOMPARE(std::get<Model::PendingFolder>(*model.pending()).node, m_s->at("big"));
+
+        big.actions()[1]->trigger();
+        QCOMPARE(model.mode(), Mode::map);
+
+        Model fresh;
+        QVERIFY(TileMenu(fresh, game, tiles[3]).isEmpty());
+    }
+
+    void aDyingRowFadesAndSlidesThenLeaves()
+    {
+        m_s->model->setDeathDuration(std::chrono::milliseconds(50));
+        RankingView view(*m_s->model, *m_s->game);
+        view.setReduceMotion(true);
+        view.resize(800, 400);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        RankRow *mid = view.row(1);
+        const int x = mid->x();
+
+        m_s->model->slay(m_s->at("mid"), *m_s->game);
+        QVERIFY(mid->dying());
+        QCOMPARE(mid->x(), x + 40);
+        auto *fade = qobject_cast<QGraphicsOpacityEffect *>(mid->graphicsEffect());
+        QVERIFY(fade);
+        QCOMPARE(fade->opacity(), 0.3);
+        QCOMPARE(mid->iconScale(), 1.8);
+
+        QTRY_COMPARE(names(view.tiles()), QStringList({"big", "many", "Loose files"}));
+        QCOMPARE(view.row(1)->tile().name, std::string("many"));
+        QCOMPARE(view.row(1)->accessibleName().left(7), QStringLiteral("Rank 2,"));
+    }
+};
+
+DUSTMERE_WIDGET_TEST_MAIN(TestRanking)
+#include "test_ranking.moc"

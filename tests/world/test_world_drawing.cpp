@@ -1,0 +1,379 @@
+#include "game/Game.h"
+#include "platform/Appearance.h"
+#include "session/Model.h"
+#include "support/TestSandbox.h"
+#include "world/ManualClock.h"
+#include "world/Player.h"
+#include "world/ui/MonsterGlyph.h"
+#include "world/ui/MonsterSprite.h"
+#include "world/ui/WorldCanvas.h"
+#include "world/ui/WorldScene.h"
+
+#include <QAccessible>
+#include <QFile>
+#include <QPainter>
+#include <cmath>
+
+namespace {
+
+NodePtr folder(const NodePtr &parent, const std::string &name, std::uint64_t bytes)
+{
+    NodePtr n = Node::create(name, parent);
+    n->addLoose(bytes);
+    n->finish();
+    parent->appendChild(n);
+    return n;
+}
+
+// A level whose first folders span every tier, then a tail of small ones.
+NodePtr sampleLevel()
+{
+    NodePtr root = Node::create("ada");
+    root->setBasePath("/home/ada");
+    const std::uint64_t big[] = {90'000'000'000ULL, 40'000'000'000ULL, 9'000'000'000ULL,
+                                 900'000'000ULL, 90'000'000ULL};
+    for (int i = 0; i < 5; ++i)
+        folder(root, "big" + std::to_string(i), big[i]);
+    for (int i = 0; i < 20; ++i)
+        folder(root, "small" + std::to_string(i), 20'000'000ULL + 1'000'000ULL * i);
+    root->finish();
+    return root;
+}
+
+QString plainTitle(const Tile &t, std::optional<Tier>)
+{
+    return QFile::decodeName(QByteArray::fromStdString(t.name));
+}
+
+WorldLayout build(const NodePtr &root, QSizeF size, const std::string &unexplored = {})
+{
+    return WorldLayout::build(
+        makeTiles(root.get(), Metric::size, 40), *root->basePath(), size,
+        [unexplored](const std::string &p) {
+            return unexplored.empty() || !p.ends_with(unexplored);
+        },
+        [](const std::string &) { return std::int64_t(0); }, plainTitle);
+}
+
+// One tier-less territory filling `rect`, on a plain sea.
+WorldLayout oneTerritory(QRectF rect, const QString &title, const QString &subtitle)
+{
+    WorldLayout l;
+    l.size = QSizeF(400, 300);
+    l.land = rect;
+    Region r;
+    r.tile = Tile{"x", Tile::Loose{}, "x", 1};
+    r.rect = rect;
+    r.shape.addRect(rect);
+    r.capital = rect.center();
+    r.title = title;
+    r.subtitle = subtitle;
+    l.regions = {r};
+    l.key = qHash(title) ^ qHash(subtitle) ^ qHash(rect.width() * 1000 + rect.height());
+    return l;
+}
+
+QImage renderCanvas(WorldCanvas &canvas, Appearance::Scheme scheme)
+{
+    return canvas.image(Appearance::palette(scheme), 1.0);
+}
+
+bool near(QColor a, QColor b, int tolerance = 3)
+{
+    return std::abs(a.red() - b.red()) <= tolerance &&
+           std::abs(a.green() - b.green()) <= tolerance &&
+           std::abs(a.blue() - b.blue()) <= tolerance;
+}
+
+QColor over(QColor base, QColor top, double alpha)
+{
+    const auto mix = [alpha](int b, int t) {
+        return int(std::lround(b * (1 - alpha) + t * alpha));
+    };
+    return QColor(mix(base.red(), top.red()), mix(base.green(), top.green()),
+                  mix(base.blue(), top.blue()));
+}
+
+QColor shaded(QColor land, double shade)
+{
+    return shade < 0 ? over(land, Qt::black, -shade) : over(land, Qt::white, shade);
+}
+
+// A point of the territory 20 points above its capital: clear of the label, the keep-out box
+// keeps scenery away, and clouds are checked by the caller.
+QPoint probe(const Region &r)
+{
+    return (r.capital - QPointF(0, 20)).toPoint();
+}
+
+bool clearOf(const std::vector<QPointF> &marks, QPointF p, double distance)
+{
+    return std::all_of(marks.begin(), marks.end(), [&](QPointF m) {
+        return std::hypot(m.x() - p.x(), m.y() - p.y()) > distance;
+    });
+}
+
+} // namespace
+
+class TestWorldDrawing : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void seaColourInBothAppearances()
+    {
+        const NodePtr root = sampleLevel();
+        WorldCanvas canvas;
+        canvas.setWorld(build(root, QSizeF(900, 600)), QStringLiteral("Realm"));
+        QCOMPARE(renderCanvas(canvas, Appearance::Scheme::light).pixelColor(898, 1),
+                 QColor(0x3F, 0x7D, 0xB4));
+        QCOMPARE(renderCanvas(canvas, Appearance::Scheme::dark).pixelColor(898, 1),
+                 QColor(0x07, 0x11, 0x1C));
+    }
+
+    void territoriesAreTheirTierColourAndFogHidesTheUnexplored()
+    {
+        const NodePtr root = sampleLevel();
+        const WorldLayout layout = build(root, QSizeF(1200, 800), "big2");
+        WorldCanvas canvas;
+        canvas.setWorld(layout, QStringLiteral("Realm"));
+        for (const auto scheme : {Appearance::Scheme::light, Appearance::Scheme::dark}) {
+            const QImage image = renderCanvas(canvas, scheme);
+            const bool dark = scheme == Appearance::Scheme::dark;
+            const Region &titan = layout.regions[0];
+            QCOMPARE(titan.tier, std::optional(Tier::titan));
+            QVERIFY(near(image.pixelColor(probe(titan)),
+                         shaded(Tiers::landColor(Tier::titan).resolve(dark), titan.shade)));
+
+            const Region &hidden = layout.regions[2];
+            QVERIFY(!hidden.explored);
+            QVERIFY(clearOf(hidden.clouds, probe(hidden), 24));
+            const QColor ground = shaded(Tiers::landColor(Tier::ogre).resolve(dark), hidden.shade);
+            const QColor fogged = dark ? over(ground, QColor::fromRgbF(0.08f, 0.1f, 0.14f), 0.62)
+                                       : over(ground, Qt::white, 0.55);
+            QVERIFY2(near(image.pixelColor(probe(hidden)), fogged),
+                     qPrintable(image.pixelColor(probe(hidden)).name()));
+        }
+    }
+
+    void scenerySpringsUpOnceExplored()
+    {
+        const NodePtr root = sampleLevel();
+        const WorldLayout hidden = build(root, QSizeF(1200, 800), "big0");
+        const WorldLayout shown = build(root, QSizeF(1200, 800));
+        QVERIFY(hidden.key != shown.key);
+        WorldCanvas canvas;
+        canvas.setWorld(hidden, {});
+        const QImage before = renderCanvas(canvas, Appearance::Scheme::light);
+        canvas.setWorld(shown, {});
+        const QImage after = renderCanvas(canvas, Appearance::Scheme::light);
+        const Region &r = shown.regions[0];
+        QVERIFY(!r.scenery.empty());
+        // Scenery only on the explored island; fog (a pale veil) only on the hidden one.
+        int changed = 0;
+        for (const QPointF &s : r.scenery)
+            changed += before.pixelColor(s.toPoint()) != after.pixelColor(s.toPoint());
+        QVERIFY(changed >= int(r.scenery.size()) / 2);
+        QVERIFY(before.pixelColor(probe(r)).lightness() > after.pixelColor(probe(r)).lightness());
+    }
+
+    void labelsNeedRoom_data()
+    {
+        QTest::addColumn<QSizeF>("size");
+        QTest::addColumn<bool>("title");
+        QTest::addColumn<bool>("subtitle");
+        QTest::newRow("64 wide") << QSizeF(64, 200) << false << false;
+        QTest::newRow("65 x 44") << QSizeF(65, 44) << false << false;
+        QTest::newRow("65 x 45") << QSizeF(65, 45) << true << false;
+        QTest::newRow("80 x 76") << QSizeF(80, 76) << true << false;
+        QTest::newRow("80 x 80") << QSizeF(80, 80) << true << true;
+    }
+    void labelsNeedRoom()
+    {
+        QFETCH(QSizeF, size);
+        const QRectF rect(QPointF(100, 60), size);
+        const auto render = [&](const QString &title, const QString &subtitle) {
+            WorldCanvas canvas;
+            canvas.setWorld(oneTerritory(rect, title, subtitle), QStringLiteral("Realm"));
+            return renderCanvas(canvas, Appearance::Scheme::light);
+        };
+        const QImage bare = render({}, {});
+        const QImage titled = render(QStringLiteral("Mm"), {});
+        const QImage both = render(QStringLiteral("Mm"), QStringLiteral("42 GB"));
+        QTEST(bare != titled, "title");
+        QTEST(titled != both, "subtitle");
+    }
+
+    void unchangedIslandIsNotRedrawn()
+    {
+        const NodePtr root = sampleLevel();
+        WorldCanvas canvas;
+        const auto light = Appearance::palette(Appearance::Scheme::light);
+        const auto dark = Appearance::palette(Appearance::Scheme::dark);
+        const QSizeF size(1600, 1200);
+        canvas.setWorld(build(root, size, "small7"), QStringLiteral("Realm"));
+        (void)canvas.image(light, 1.0);
+        const int tiles = canvas.renders(); // every tile of the island, once
+        QCOMPARE(tiles, 12);
+        (void)canvas.image(light, 1.0);
+        QCOMPARE(canvas.renders(), tiles);
+
+        // Rebuilding from the same inputs gives the same key: nothing is drawn again.
+        canvas.setWorld(build(root, size, "small7"), QStringLiteral("Realm"));
+        (void)canvas.image(light, 1.0);
+        QCOMPARE(canvas.renders(), tiles);
+
+        // A new realm title or a discovered territory redraw only the tiles around them.
+        int before = canvas.renders();
+        canvas.setWorld(build(root, size, "small7"), QStringLiteral("Other realm"));
+        const QImage renamed = canvas.image(light, 1.0);
+        QVERIFY(canvas.renders() > before && canvas.renders() < before + tiles);
+        before = canvas.renders();
+        const WorldLayout explored = build(root, size);
+        canvas.setWorld(explored, QStringLiteral("Other realm"));
+        const QImage discovered = canvas.image(light, 1.0);
+        QVERIFY(canvas.renders() > before && canvas.renders() < before + tiles);
+        // ... and the result is what a fresh drawing gives.
+        WorldCanvas fresh;
+        fresh.setWorld(explored, QStringLiteral("Other realm"));
+        QCOMPARE(fresh.image(light, 1.0), discovered);
+        QVERIFY(discovered != renamed);
+
+        // The appearance, the resolution and the size each redraw all of it.
+        before = canvas.renders();
+        (void)canvas.image(dark, 1.0);
+        QCOMPARE(canvas.renders(), before + tiles);
+        (void)canvas.image(dark, 2.0);
+        QCOMPARE(canvas.renders(), before + 2 * tiles);
+        canvas.setWorld(build(root, QSizeF(1600, 1100)), QStringLiteral("Other realm"));
+        (void)canvas.image(dark, 2.0);
+        QCOMPARE(canvas.renders(), before + 3 * tiles);
+    }
+
+    void walkingRepaintsOnlyTheLayers()
+    {
+        Game game;
+        Model model;
+        auto clock = std::make_shared<ManualClock>(1);
+        Player player(clock);
+        const NodePtr root = sampleLevel();
+        const WorldLayout layout = build(root, QSizeF(1600, 1200));
+        player.update(layout, QSizeF(800, 600));
+        WorldScene scene(model, game, player, true);
+        scene.resize(800, 600);
+        scene.setWorld(layout, QStringLiteral("Realm"));
+        (void)scene.grab();
+        const QPointF start = scene.offset();
+
+        const auto walk = [&](const QString &key) {
+            player.key(key, true, false);
+            for (int i = 0; i < 20; ++i) {
+                clock->advance(0.03);
+                player.tick();
+                (void)scene.grab();
+            }
+            player.key(key, false, false);
+            player.releaseAll();
+        };
+        walk(QStringLiteral("right"));
+        QVERIFY(scene.offset().x() < start.x()); // the camera followed the hero
+        const int drawn = scene.canvas().renders();
+        walk(QStringLiteral("left"));
+        walk(QStringLiteral("right"));
+        QCOMPARE(scene.canvas().renders(), drawn);
+
+        scene.setWorld(build(root, QSizeF(1600, 1200)), QStringLiteral("Realm"));
+        (void)scene.grab();
+        QCOMPARE(scene.canvas().renders(), drawn);
+    }
+
+    void glyphSpikesReachWhereTheArtPutsThem()
+    {
+        MonsterGlyph glyph(Tier::microbe, 56);
+        QCOMPARE(glyph.size(), QSize(56, 56));
+        QImage image(56, 56, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        glyph.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+
+        const QPointF centre(28, 32.48);
+        const double tip = 22.4;
+        // The spikes at 0, 180 and 270 degrees are long ones: ink right up to the tip, nothing
+        // past it beyond the round cap.
+        for (const QPointF dir : {QPointF(1, 0), QPointF(-1, 0), QPointF(0, -1)}) {
+            const QPointF inside = centre + dir * (tip - 1.0);
+            const QPointF beyond = centre + dir * (tip + 2.5);
+            QVERIFY(qAlpha(image.pixel(inside.toPoint())) > 128);
+            QCOMPARE(qAlpha(image.pixel(beyond.toPoint())), 0);
+        }
+        // At 22.5 degrees the spike is short (35 units = 19.6 points).
+        const double a = M_PI / 8;
+        const QPointF shortBeyond = centre + QPointF(std::cos(a), std::sin(a)) * (19.6 + 2.5);
+        QCOMPARE(qAlpha(image.pixel(shortBeyond.toPoint())), 0);
+        // Transparent outside the drawing.
+        QCOMPARE(qAlpha(image.pixel(1, 1)), 0);
+
+        QAccessibleInterface *access = QAccessible::queryAccessibleInterface(&glyph);
+        QVERIFY(access && access->state().invisible);
+        QVERIFY(access->text(QAccessible::Name).isEmpty());
+    }
+
+    void monstersBreatheOnlyWhenBigAndAllowedTo()
+    {
+        const NodePtr root = sampleLevel();
+        const WorldLayout layout = build(root, QSizeF(1600, 1200));
+        const MonsterSprite titan(layout.regions[0], 10);
+        const MonsterSprite dragon(layout.regions[1], 10);
+        const MonsterSprite ogre(layout.regions[2], 10);
+        QCOMPARE(titan.breathScale(10, false), 1.0);
+        QCOMPARE(titan.breathScale(11.8, false), 1.08);
+        QCOMPARE(titan.breathScale(13.6, false), 1.0);
+        QCOMPARE(dragon.breathScale(11.2, false), 1.08);
+        QVERIFY(dragon.breathScale(10.6, false) > 1.0 && dragon.breathScale(10.6, false) < 1.08);
+        QCOMPARE(dragon.breathScale(11.2, true), 1.0);
+        QCOMPARE(ogre.breathScale(10.6, false), 1.0);
+        QVERIFY(titan.animating(12, false) && !titan.animating(12, true));
+        QVERIFY(!ogre.animating(12, false));
+    }
+
+    void fogHidesTheMonsterAndDeathFadesIt()
+    {
+        const NodePtr root = sampleLevel();
+        const WorldLayout shown = build(root, QSizeF(1600, 1200));
+        const WorldLayout hidden = build(root, QSizeF(1600, 1200), "big0");
+        Stamps stamps;
+        const auto render = [&](const MonsterSprite &sprite, double now) {
+            QImage image(1600, 1200, QImage::Format_ARGB32_Premultiplied);
+            image.fill(Qt::transparent);
+            QPainter p(&image);
+            sprite.paint(p, stamps, now, true);
+            return image;
+        };
+        // A point low on the titan's stone body, below its mouth.
+        const Region &r = shown.regions[0];
+        QCOMPARE(r.monsterSize(), 56.0);
+        const QPoint body = (r.capital + QPointF(0, 0.38 * 56)).toPoint();
+        const QColor stone(0x8D, 0x8A, 0x85);
+
+        QVERIFY(near(render(MonsterSprite(r, 0), 1).pixelColor(body), stone));
+        QVERIFY(!near(render(MonsterSprite(hidden.regions[0], 0), 1).pixelColor(body), stone));
+
+        MonsterSprite dying(r, 0);
+        dying.setDeath(MonsterSprite::Death{5, 120});
+        QVERIFY(dying.animating(5.2, true));
+        QCOMPARE(qAlpha(render(dying, 5.5).pixel(body)), 0); // gone once the blast has passed
+        QVERIFY(!dying.animating(5.1 + MonsterSprite::deathSeconds, true));
+    }
+
+    void labelSitsBelowTheMonster()
+    {
+        const NodePtr root = sampleLevel();
+        const WorldLayout layout = build(root, QSizeF(1600, 1200));
+        const Region &r = layout.regions[0];
+        QCOMPARE(WorldCanvas::labelAnchor(r).y() - r.capital.y(), 0.62 * 56 + 10);
+        const Region plain = oneTerritory(QRectF(0, 0, 100, 100), {}, {}).regions[0];
+        QCOMPARE(WorldCanvas::labelAnchor(plain), plain.capital);
+    }
+};
+
+DUSTMERE_WIDGET_TEST_MAIN(TestWorldDrawing)
+#include "test_world_drawing.moc"
