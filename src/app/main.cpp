@@ -1,25 +1,16 @@
 #include "app/CommandLine.h"
 #include "app/HeadlessReport.h"
-#include "game/Game.h"
-#include "magic/Magic.h"
-#include "platform/Appearance.h"
+#include "app/WindowEntry.h"
 #include "platform/Home.h"
-#include "platform/Settings.h"
-#include "session/Migration.h"
-#include "session/Model.h"
-#include "ui/MainWindow.h"
-#include "ui/screens/FolderChooser.h"
 
-#include <QApplication>
 #include <QFile>
-#include <QIcon>
-#include <QLoggingCategory>
-#include <QStyleFactory>
 
 #include <cstdio>
 #include <optional>
 #include <sys/stat.h>
 #include <cstdlib>
+#include <dlfcn.h>
+#include <unistd.h>
 
 namespace {
 
@@ -51,34 +42,26 @@ std::optional<std::string> folderProblem(const std::string &path)
     return std::nullopt;
 }
 
+// The window module sits beside the executable in the build tree and in the library folder
+// once installed.
 int runWindow(int argc, char *argv[], const CommandLine &cl)
 {
-    QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Dustmere"));
-    QApplication::setApplicationVersion(QStringLiteral(DUSTMERE_VERSION));
-    QApplication::setDesktopFileName(QStringLiteral("dustmere"));
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/dustmere.svg")));
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    if (cl.appearance != CommandLine::Appearance::system) {
-        QApplication::setPalette(Appearance::palette(cl.appearance == CommandLine::Appearance::dark
-                                                         ? Appearance::Scheme::dark
-                                                         : Appearance::Scheme::light));
+    std::string exe(4096, '\0');
+    const ssize_t n = readlink("/proc/self/exe", exe.data(), exe.size() - 1);
+    const std::string dir = n > 0 ? exe.substr(0, exe.rfind('/', std::size_t(n))) : std::string(".");
+    std::string error;
+    for (const std::string &candidate : {dir + "/" DUSTMERE_WINDOW_MODULE, dir + "/" DUSTMERE_INSTALLED_MODULE}) {
+        void *module = dlopen(candidate.c_str(), RTLD_NOW | RTLD_LOCAL);
+        if (!module) {
+            error = dlerror();
+            continue;
+        }
+        if (auto run = reinterpret_cast<RunWindowFunction>(dlsym(module, "dustmere_run_window")))
+            return run(argc, argv, &cl);
+        error = dlerror();
     }
-    // Without a sound server Qt Multimedia complains on every attempt; silence is the intended outcome.
-    QLoggingCategory::setFilterRules(QStringLiteral("qt.multimedia*=false"));
-
-    // Old settings are copied before the state objects read theirs.
-    Migration::migrate();
-    const bool reduceMotion =
-        cl.reduceMotion || Settings::boolean(*Settings::open(), QStringLiteral("reduceMotion")).value_or(false);
-
-    Model model;
-    Game game;
-    Magic magic;
-    model.setFolderChooser(FolderChooser::dialog());
-    MainWindow window(model, game, magic, {cl.scanPath, reduceMotion});
-    window.show();
-    return QApplication::exec();
+    std::fprintf(stderr, "dustmere: cannot load the window: %s\n", error.c_str());
+    return 1;
 }
 
 } // namespace

@@ -113,45 +113,40 @@ QString capitalized(const QString &piece)
     return piece.left(end).toUpper() + piece.mid(end);
 }
 
-QString trimmedSpacesAndTabs(const QString &s)
+bool isSeparator(QChar c)
 {
-    qsizetype begin = 0;
-    qsizetype end = s.size();
-    const auto blank = [](QChar c) { return c == u' ' || c == u'\t'; };
-    while (begin < end && blank(s[begin]))
-        ++begin;
-    while (end > begin && blank(s[end - 1]))
-        --end;
-    return s.mid(begin, end - begin);
+    return c == u'.' || c == u'_' || c == u'-' || c == u'~';
 }
 
-// Every run of the separators . _ - ~ becomes one space (what "[._\-~]+" would do, without the
-// cost of a regular expression for each of thousands of folders).
-QString spacedOut(const QString &name)
-{
-    QString spaced;
-    spaced.reserve(name.size());
-    bool inRun = false;
-    for (const QChar c : name) {
-        const bool separator = c == u'.' || c == u'_' || c == u'-' || c == u'~';
-        if (!separator)
-            spaced.append(c);
-        else if (!inRun)
-            spaced.append(u' ');
-        inRun = separator;
-    }
-    return spaced;
-}
-
+// Runs of . _ - ~ become one space, spaces and tabs are trimmed from both ends, the rest is split
+// at spaces into at most three words whose first characters are upper-cased, joined by spaces.
+// Done in one pass: this runs for every folder of a report.
 QString cleaned(const QString &folderName)
 {
-    const QString spaced = spacedOut(folderName);
-    const QStringList pieces =
-        trimmedSpacesAndTabs(spaced).split(u' ', Qt::SkipEmptyParts).mid(0, 3);
-    QStringList words;
-    for (const QString &piece : pieces)
-        words.append(capitalized(piece));
-    const QString joined = words.join(u' ');
+    const auto trimmable = [](QChar c) { return c == u' ' || c == u'\t' || isSeparator(c); };
+    qsizetype begin = 0;
+    qsizetype end = folderName.size();
+    while (begin < end && trimmable(folderName[begin]))
+        ++begin;
+    while (end > begin && trimmable(folderName[end - 1]))
+        --end;
+
+    QString joined;
+    joined.reserve(end - begin);
+    int words = 0;
+    for (qsizetype i = begin; i < end && words < 3;) {
+        if (folderName[i] == u' ' || isSeparator(folderName[i])) {
+            ++i;
+            continue;
+        }
+        qsizetype j = i;
+        while (j < end && folderName[j] != u' ' && !isSeparator(folderName[j]))
+            ++j;
+        if (words++ > 0)
+            joined.append(u' ');
+        joined.append(capitalized(folderName.mid(i, j - i)));
+        i = j;
+    }
     return joined.isEmpty() ? folderName : joined;
 }
 
@@ -176,7 +171,10 @@ QString Lore::name(std::string_view folderName, std::optional<Tier> tier)
     const auto list = templates(tier);
     const QLatin1StringView chosen(list[h % list.size()]);
     const qsizetype slot = chosen.indexOf(QLatin1StringView("%@"));
-    QString place = chosen.left(slot) + cleaned(decoded) + chosen.mid(slot + 2);
+    const QString name = cleaned(decoded);
+    QString place;
+    place.reserve(chosen.size() + name.size() + 10);
+    place.append(chosen.left(slot)).append(name).append(chosen.mid(slot + 2));
     if (folderName.starts_with('.'))
         place = QString::fromUtf8(veilWords[(h / 7) % veilWords.size()]) + u' ' + place;
     return place;

@@ -79,8 +79,10 @@ void JsonWriter::endArray()
 void JsonWriter::key(std::string_view name)
 {
     separate();
-    writeString(name);
-    m_out += ':';
+    // Keys are the writer's own ASCII names: nothing to escape.
+    m_out += '"';
+    m_out += name;
+    m_out += "\":";
 }
 
 void JsonWriter::value(std::string_view bytes)

@@ -16,7 +16,9 @@ public:
     void endObject();
     void beginArray();
     void endArray();
+    // name must be plain ASCII without quotes or backslashes.
     void key(std::string_view name);
+    void reserve(std::size_t bytes) { m_out.reserve(bytes); }
     void value(std::string_view bytes);
     void value(const QString &text);
     void value(const char *text) { value(std::string_view(text)); }

@@ -3,10 +3,31 @@
 
 #include "game/Lore.h"
 
+#include <unordered_map>
+
 namespace {
 
+// Real trees repeat folder names ("src", "lib", "node_modules"), so each place name is made once.
+class PlaceNames
+{
+public:
+    const QString &of(const Node &node)
+    {
+        const Tier tier = Tiers::ofBytes(node.size());
+        std::string key = node.name();
+        key += char('0' + Tiers::index(tier));
+        auto it = m_names.find(key);
+        if (it == m_names.end())
+            it = m_names.emplace(std::move(key), Lore::name(node.name(), tier)).first;
+        return it->second;
+    }
+
+private:
+    std::unordered_map<std::string, QString> m_names;
+};
+
 // depthLeft < 0 means no limit.
-void writeNode(JsonWriter &w, const Node &node, bool isRoot, int depthLeft)
+void writeNode(JsonWriter &w, PlaceNames &places, const Node &node, bool isRoot, int depthLeft)
 {
     w.beginObject();
     w.key("name");
@@ -26,13 +47,13 @@ void writeNode(JsonWriter &w, const Node &node, bool isRoot, int depthLeft)
     w.key("tier");
     w.value(Report::tierKey(Tiers::ofBytes(node.size())));
     w.key("place");
-    w.value(Report::placeName(node));
+    w.value(places.of(node));
     if (depthLeft != 0) {
         const int next = depthLeft < 0 ? depthLeft : depthLeft - 1;
         w.key("children");
         w.beginArray();
         for (const NodePtr &child : node.children())
-            writeNode(w, *child, false, next);
+            writeNode(w, places, *child, false, next);
         w.endArray();
     }
     w.endObject();
@@ -73,9 +94,13 @@ const char *Report::safetyKey(Advice::Safety safety)
 std::string Report::json(const Input &input, std::optional<int> depth)
 {
     JsonWriter w;
+    std::size_t folders = 0;
+    input.root->walk([&folders](Node &) { ++folders; });
+    w.reserve(folders * 200 + input.bigFiles.size() * 160 + input.advice.size() * 400 + 1024);
+    PlaceNames places;
     w.beginObject();
     w.key("root");
-    writeNode(w, *input.root, true, depth.value_or(-1));
+    writeNode(w, places, *input.root, true, depth.value_or(-1));
     w.key("bigFiles");
     w.beginArray();
     for (const BigFile &f : input.bigFiles) {

@@ -8,14 +8,23 @@
 
 namespace {
 
-// A machine left in the C locale would print 1234567; readers expect grouping.
-QLocale numberLocale()
+// A machine left in the C locale would print 1234567; readers expect grouping. Derived once per
+// default locale: views format thousands of sizes.
+const QLocale &numberLocale()
 {
-    QLocale locale;
-    if (locale.language() == QLocale::C)
-        locale = QLocale(QLocale::English, QLocale::UnitedStates);
-    locale.setNumberOptions(locale.numberOptions() & ~QLocale::OmitGroupSeparator);
-    return locale;
+    thread_local QLocale source = QLocale::c();
+    thread_local QLocale derived = [] {
+        QLocale l(QLocale::English, QLocale::UnitedStates);
+        l.setNumberOptions(l.numberOptions() & ~QLocale::OmitGroupSeparator);
+        return l;
+    }();
+    const QLocale current;
+    if (current != source) {
+        source = current;
+        derived = current.language() == QLocale::C ? QLocale(QLocale::English, QLocale::UnitedStates) : current;
+        derived.setNumberOptions(derived.numberOptions() & ~QLocale::OmitGroupSeparator);
+    }
+    return derived;
 }
 
 struct Unit
@@ -46,7 +55,7 @@ QString Fmt::bytes(std::uint64_t n)
     if (n == 1)
         return QStringLiteral("1 byte");
 
-    const QLocale locale = numberLocale();
+    const QLocale &locale = numberLocale();
     if (n < 1000)
         return locale.toString(static_cast<qulonglong>(n)) + QStringLiteral(" bytes");
 

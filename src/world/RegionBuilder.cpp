@@ -72,7 +72,7 @@ Region RegionBuilder::build(const Tile &tile, const QRectF &rect)
         r.subtitle = parts.join(QStringLiteral(" · "));
     }
 
-    r.shape = m_warp.warpedOutline(rect);
+    // `shape` uses no random draws; WorldLayout::build warps all outlines afterwards, in parallel.
     if (r.path) {
         r.explored = m_explored(*r.path);
         r.bounties = m_bounties(*r.path);

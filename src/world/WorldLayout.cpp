@@ -1,5 +1,8 @@
 #include "world/WorldLayout.h"
 
+#include <QtConcurrent/QtConcurrentMap>
+#include <QtConcurrent/QtConcurrentRun>
+
 #include "game/Djb2.h"
 #include "world/RegionBuilder.h"
 #include "world/Rivers.h"
@@ -105,7 +108,10 @@ WorldLayout WorldLayout::build(const std::vector<Tile> &tiles, const std::string
     layout.warp = Warp(phase, amplitude, layout.land);
     SplitMix64 random(seed);
 
-    layout.coast = layout.warp.warpedOutline(layout.land);
+    // The coast is all rough edge; it is warped on another thread while the regions are built.
+    QFuture<QPainterPath> coast = QtConcurrent::run([warp = layout.warp, land = layout.land] {
+        return warp.warpedOutline(land);
+    });
 
     std::vector<double> values;
     values.reserve(tiles.size());
@@ -117,8 +123,12 @@ WorldLayout WorldLayout::build(const std::vector<Tile> &tiles, const std::string
     layout.regions.reserve(tiles.size());
     for (std::size_t i = 0; i < tiles.size(); ++i)
         layout.regions.push_back(builder.build(tiles[i], rects[i]));
+    // The outlines are most of the work and independent of each other and of the generator.
+    const Warp &warp = layout.warp;
+    QtConcurrent::blockingMap(layout.regions, [&warp](Region &r) { r.shape = warp.warpedOutline(r.rect); });
 
     layout.rivers = Rivers::trace(layout.regions, layout.land, layout.warp);
+    layout.coast = coast.result();
     layout.waves = makeWaves(size, layout.land, random);
 
     KeyHash hash;

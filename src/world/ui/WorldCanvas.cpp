@@ -183,6 +183,24 @@ void WorldCanvas::draw(QPainter &painter, const QRectF &area, const QPalette &pa
                                QRectF((part.topLeft() - cell.topLeft()) * dpr, part.size() * dpr));
         }
     }
+    evictAround(world.center());
+}
+
+void WorldCanvas::evictAround(QPointF centre)
+{
+    if (m_tiles.size() <= tileLimit)
+        return;
+    // Keep the tiles nearest the view; a big island at high zoom would otherwise hold hundreds
+    // of megabytes of tiles walked past long ago.
+    std::vector<std::pair<double, std::pair<int, int>>> byDistance;
+    for (const auto &entry : m_tiles) {
+        const QPointF c((entry.first.first + 0.5) * tileSize,
+                        (entry.first.second + 0.5) * tileSize);
+        byDistance.emplace_back(std::hypot(c.x() - centre.x(), c.y() - centre.y()), entry.first);
+    }
+    std::sort(byDistance.begin(), byDistance.end());
+    for (std::size_t i = tileLimit; i < byDistance.size(); ++i)
+        m_tiles.erase(byDistance[i].second);
 }
 
 const QPixmap &WorldCanvas::tile(int column, int row, const WorldPalette &colors, qreal dpr)

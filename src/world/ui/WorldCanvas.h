@@ -24,6 +24,7 @@ class WorldCanvas
 {
 public:
     static constexpr int tileSize = 512;
+    static constexpr std::size_t tileLimit = 40; // tiles kept; a view needs about twelve
 
     void setWorld(const WorldLayout &layout, const QString &title);
     [[nodiscard]] const WorldLayout &layout() const { return m_layout; }
@@ -74,6 +75,7 @@ private:
     [[nodiscard]] QRectF regionArea(std::size_t index) const;
     [[nodiscard]] QRectF realmTitleBox() const;
     void prepare();
+    void evictAround(QPointF centre);
     [[nodiscard]] const QPixmap &tile(int column, int row, const WorldPalette &colors, qreal dpr);
     void strokeStretches(QPainter &painter, const std::vector<Stretch> &stretches, const QPen &pen,
                          const QRectF &area) const;

@@ -1,0 +1,46 @@
+#include "app/WindowEntry.h"
+
+#include "game/Game.h"
+#include "magic/Magic.h"
+#include "platform/Appearance.h"
+#include "platform/Settings.h"
+#include "session/Migration.h"
+#include "session/Model.h"
+#include "ui/MainWindow.h"
+#include "ui/screens/FolderChooser.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QLoggingCategory>
+#include <QStyleFactory>
+
+int dustmere_run_window(int argc, char *argv[], const CommandLine *commandLine)
+{
+    const CommandLine &cl = *commandLine;
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Dustmere"));
+    QApplication::setApplicationVersion(QStringLiteral(DUSTMERE_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("dustmere"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/dustmere.svg")));
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    if (cl.appearance != CommandLine::Appearance::system) {
+        QApplication::setPalette(Appearance::palette(cl.appearance == CommandLine::Appearance::dark
+                                                         ? Appearance::Scheme::dark
+                                                         : Appearance::Scheme::light));
+    }
+    // Without a sound server Qt Multimedia complains on every attempt; silence is the intended outcome.
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.multimedia*=false"));
+
+    // Old settings are copied before the state objects read theirs.
+    Migration::migrate();
+    const bool reduceMotion =
+        cl.reduceMotion || Settings::boolean(*Settings::open(), QStringLiteral("reduceMotion")).value_or(false);
+
+    Model model;
+    Game game;
+    Magic magic;
+    model.setFolderChooser(FolderChooser::dialog());
+    MainWindow window(model, game, magic, {cl.scanPath, reduceMotion});
+    window.show();
+    return QApplication::exec();
+}
