@@ -1,4 +1,5 @@
 #include "advisor/Advice.h"
+#include "platform/Paths.h"
 
 #include "platform/Home.h"
 
@@ -30,19 +31,6 @@ const Presentation &presentation(Advice::Safety s)
     return table[std::size_t(Safeties::index(s))];
 }
 
-std::string_view lastComponent(std::string_view path)
-{
-    const auto slash = path.rfind('/');
-    return slash == std::string_view::npos ? path : path.substr(slash + 1);
-}
-
-std::string_view withoutLastComponent(std::string_view path)
-{
-    const auto slash = path.rfind('/');
-    if (slash == std::string_view::npos)
-        return {};
-    return slash == 0 ? path.substr(0, 1) : path.substr(0, slash);
-}
 
 } // namespace
 
@@ -54,18 +42,18 @@ NodePtr Advice::folder() const
 
 QString Advice::displayName(const std::string &home) const
 {
-    const std::string_view name = lastComponent(path);
+    const std::string_view name = Paths::lastComponent(path);
     const bool qualified =
         !isFile() && (name.starts_with('.') || name == "Caches" || name == "Cache");
     if (!qualified)
         return QFile::decodeName(QByteArray(name.data(), qsizetype(name.size())));
 
-    const std::string_view parent = withoutLastComponent(path);
+    const std::string_view parent = Paths::parent(path);
     std::string label;
     if (parent == home)
         label = "~";
     else if (parent != "/")
-        label = lastComponent(parent);
+        label = Paths::lastComponent(parent);
     return QFile::decodeName(QByteArray::fromStdString(label + '/' + std::string(name)));
 }
 

@@ -1,4 +1,5 @@
 #include "advisor/Advisor.h"
+#include "platform/Paths.h"
 
 #include "platform/Home.h"
 
@@ -69,24 +70,11 @@ bool exists(const std::string &path)
     return access(path.c_str(), F_OK) == 0;
 }
 
-std::string_view lastComponent(std::string_view path)
-{
-    const auto slash = path.rfind('/');
-    return slash == std::string_view::npos ? path : path.substr(slash + 1);
-}
-
-std::string_view withoutLastComponent(std::string_view path)
-{
-    const auto slash = path.rfind('/');
-    if (slash == std::string_view::npos)
-        return {};
-    return slash == 0 ? path.substr(0, 1) : path.substr(0, slash);
-}
 
 // The extension of the last component, ASCII lower-cased; a leading dot starts no extension.
 std::string lowerExtension(std::string_view path)
 {
-    const std::string_view name = lastComponent(path);
+    const std::string_view name = Paths::lastComponent(path);
     const auto dot = name.rfind('.');
     if (dot == std::string_view::npos || dot == 0)
         return {};
@@ -238,7 +226,7 @@ private:
             if (path.starts_with(m_home + '/' + std::string(folder) + '/'))
                 return true;
         }
-        return withoutLastComponent(path) == m_home;
+        return Paths::parent(path) == m_home;
     }
 
     std::string m_home;

@@ -1,6 +1,7 @@
 #include "platform/FreedesktopTrash.h"
 
 #include "platform/Home.h"
+#include "platform/Paths.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -17,14 +18,12 @@ namespace {
 
 std::string parentOf(const std::string &path)
 {
-    const auto slash = path.rfind('/');
-    return slash == std::string::npos || slash == 0 ? std::string("/") : path.substr(0, slash);
+    return std::string(Paths::parent(path));
 }
 
 std::string nameOf(const std::string &path)
 {
-    const auto slash = path.rfind('/');
-    return slash == std::string::npos ? path : path.substr(slash + 1);
+    return std::string(Paths::lastComponent(path));
 }
 
 QString shown(const std::string &bytes)

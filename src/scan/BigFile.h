@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Paths.h"
+
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -12,12 +14,7 @@ struct BigFile
     std::uint64_t size = 0;
     std::int64_t modified = 0; // seconds since 1970-01-01 UTC
 
-    [[nodiscard]] std::string_view name() const
-    {
-        const auto slash = path.rfind('/');
-        return slash == std::string::npos ? std::string_view(path)
-                                          : std::string_view(path).substr(slash + 1);
-    }
+    [[nodiscard]] std::string_view name() const { return Paths::lastComponent(path); }
 
     bool operator==(const BigFile &) const = default;
 };

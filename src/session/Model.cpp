@@ -3,6 +3,7 @@
 #include "game/Game.h"
 #include "platform/FreedesktopTrash.h"
 #include "platform/Home.h"
+#include "platform/Paths.h"
 #include "session/SlayRules.h"
 #include "scan/Fmt.h"
 #include "sound/Sound.h"
@@ -13,11 +14,6 @@
 
 namespace {
 
-bool isUnder(std::string_view path, std::string_view folder)
-{
-    return path.size() >= folder.size() && path.substr(0, folder.size()) == folder &&
-           (path.size() == folder.size() || path[folder.size()] == '/');
-}
 
 } // namespace
 
@@ -311,7 +307,7 @@ std::vector<Advice> Model::adviceUnder(std::string_view path) const
 {
     std::vector<Advice> under;
     for (const Advice &a : m_advice) {
-        if (isUnder(a.path, path))
+        if (Paths::isUnder(a.path, path))
             under.push_back(a);
     }
     return under;
@@ -396,8 +392,7 @@ void Model::slay(const BigFile &file, Game &game)
     startDying(file.path, file.size, [this, file, weakGame] {
         if (weakGame)
             weakGame->slain({file.size}, true);
-        const auto slash = file.path.rfind('/');
-        if (const NodePtr folder = node(file.path.substr(0, slash == 0 ? 1 : slash)))
+        if (const NodePtr folder = node(Paths::parent(file.path)))
             folder->removeLooseFile(file.size);
     });
 }
@@ -446,8 +441,7 @@ void Model::removeFromTree(const Advice &item)
     if (const NodePtr folder = item.folder()) {
         detach(folder);
     } else if (const BigFile *file = item.file()) {
-        const auto slash = file->path.rfind('/');
-        if (const NodePtr parent = node(file->path.substr(0, slash == 0 ? 1 : slash)))
+        if (const NodePtr parent = node(Paths::parent(file->path)))
             parent->removeLooseFile(file->size);
     }
     removeAdvice(item.path);
@@ -473,7 +467,7 @@ void Model::removeAdvice(std::string_view under)
     std::vector<Advice> kept;
     kept.reserve(m_advice.size());
     for (const Advice &a : m_advice) {
-        if (!isUnder(a.path, under))
+        if (!Paths::isUnder(a.path, under))
             kept.push_back(a);
     }
     setAdvice(std::move(kept));

@@ -1,21 +1,8 @@
 #include "session/SlayRules.h"
 
+#include "platform/Paths.h"
+
 #include <array>
-
-namespace {
-
-bool startsWith(std::string_view s, std::string_view prefix)
-{
-    return s.size() >= prefix.size() && s.substr(0, prefix.size()) == prefix;
-}
-
-bool isUnder(std::string_view path, std::string_view folder)
-{
-    return path == folder || (startsWith(path, folder) && path.size() > folder.size() &&
-                              path[folder.size()] == '/');
-}
-
-} // namespace
 
 bool SlayRules::canSlay(std::string_view path, std::string_view home,
                         const std::optional<std::string> &scanRoot, std::string_view homeTrash)
@@ -33,7 +20,7 @@ bool SlayRules::canSlay(std::string_view path, std::string_view home,
 
     if (path == home)
         return false;
-    if (startsWith(home, path) && home.size() > path.size() && home[path.size()] == '/')
+    if (home.starts_with(path) && home.size() > path.size() && home[path.size()] == '/')
         return false;
 
     static constexpr std::array<std::string_view, 23> systemPrefixes = {
@@ -41,14 +28,14 @@ bool SlayRules::canSlay(std::string_view path, std::string_view home,
         "/dev",    "/etc",   "/var",  "/boot", "/lib",     "/lib32",   "/lib64", "/libx32",
         "/run",    "/srv",   "/proc", "/sys",  "/root",    "/snap",    "/nix"};
     for (std::string_view prefix : systemPrefixes) {
-        if (isUnder(path, prefix))
+        if (Paths::isUnder(path, prefix))
             return false;
     }
 
     static constexpr std::array<std::string_view, 14> homeFolders = {
         "Desktop", "Documents", "Downloads", "Library",  "Movies",    "Music",  "Pictures",
         "Public",  "Applications", ".Trash", "Videos", "Templates", ".local", ".config"};
-    if (path.size() > home.size() + 1 && startsWith(path, home) && path[home.size()] == '/') {
+    if (path.size() > home.size() + 1 && path.starts_with(home) && path[home.size()] == '/') {
         const std::string_view rest = path.substr(home.size() + 1);
         for (std::string_view folder : homeFolders) {
             if (rest == folder)
