@@ -1,7 +1,7 @@
 #include "advisor/Advice.h"
-#include "platform/Paths.h"
 
 #include "platform/Home.h"
+#include "platform/Paths.h"
 
 #include <QFile>
 #include <string_view>
@@ -30,7 +30,6 @@ const Presentation &presentation(Advice::Safety s)
     }};
     return table[std::size_t(Safeties::index(s))];
 }
-
 
 } // namespace
 

@@ -1,7 +1,7 @@
 #include "advisor/Advisor.h"
-#include "platform/Paths.h"
 
 #include "platform/Home.h"
+#include "platform/Paths.h"
 
 #include <algorithm>
 #include <array>
@@ -69,7 +69,6 @@ bool exists(const std::string &path)
 {
     return access(path.c_str(), F_OK) == 0;
 }
-
 
 // The extension of the last component, ASCII lower-cased; a leading dot starts no extension.
 std::string lowerExtension(std::string_view path)

@@ -27,12 +27,14 @@ std::variant<CommandLine, CommandLine::Error> CommandLine::parse(const QStringLi
             else if (*v == QLatin1StringView("json"))
                 cl.report = ReportFormat::json;
             else
-                return Error{QStringLiteral("unknown report format '%1' (use text or json)").arg(*v)};
+                return Error{
+                    QStringLiteral("unknown report format '%1' (use text or json)").arg(*v)};
         } else if (const auto v = valueOf(arg, QLatin1StringView("--depth"))) {
             bool ok = false;
             const int depth = v->toInt(&ok);
             if (!ok || depth < 0)
-                return Error{QStringLiteral("--depth needs a whole number of 0 or more, not '%1'").arg(*v)};
+                return Error{
+                    QStringLiteral("--depth needs a whole number of 0 or more, not '%1'").arg(*v)};
             cl.depth = depth;
         } else if (const auto v = valueOf(arg, QLatin1StringView("--appearance"))) {
             if (*v == QLatin1StringView("light"))

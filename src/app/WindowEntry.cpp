@@ -28,13 +28,15 @@ int dustmere_run_window(int argc, char *argv[], const CommandLine *commandLine)
                                                          ? Appearance::Scheme::dark
                                                          : Appearance::Scheme::light));
     }
-    // Without a sound server Qt Multimedia complains on every attempt; silence is the intended outcome.
+    // Without a sound server Qt Multimedia complains on every attempt; silence is the intended
+    // outcome.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.multimedia*=false"));
 
     // Old settings are copied before the state objects read theirs.
     Migration::migrate();
     const bool reduceMotion =
-        cl.reduceMotion || Settings::boolean(*Settings::open(), QStringLiteral("reduceMotion")).value_or(false);
+        cl.reduceMotion ||
+        Settings::boolean(*Settings::open(), QStringLiteral("reduceMotion")).value_or(false);
 
     Model model;
     Game game;

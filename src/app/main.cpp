@@ -4,12 +4,11 @@
 #include "platform/Home.h"
 
 #include <QFile>
-
 #include <cstdio>
-#include <optional>
-#include <sys/stat.h>
 #include <cstdlib>
 #include <dlfcn.h>
+#include <optional>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -48,9 +47,11 @@ int runWindow(int argc, char *argv[], const CommandLine &cl)
 {
     std::string exe(4096, '\0');
     const ssize_t n = readlink("/proc/self/exe", exe.data(), exe.size() - 1);
-    const std::string dir = n > 0 ? exe.substr(0, exe.rfind('/', std::size_t(n))) : std::string(".");
+    const std::string dir =
+        n > 0 ? exe.substr(0, exe.rfind('/', std::size_t(n))) : std::string(".");
     std::string error;
-    for (const std::string &candidate : {dir + "/" DUSTMERE_WINDOW_MODULE, dir + "/" DUSTMERE_INSTALLED_MODULE}) {
+    for (const std::string &candidate :
+         {dir + "/" DUSTMERE_WINDOW_MODULE, dir + "/" DUSTMERE_INSTALLED_MODULE}) {
         void *module = dlopen(candidate.c_str(), RTLD_NOW | RTLD_LOCAL);
         if (!module) {
             error = dlerror();
@@ -88,11 +89,13 @@ int main(int argc, char *argv[])
     }
     const bool named = cl.scanPath && !cl.scanPath->isEmpty();
     const std::string path = named ? normalized(*cl.scanPath) : Home::path();
-    if (const auto problem = folderProblem(path); problem && (named || cl.report || !hasDisplay())) {
+    if (const auto problem = folderProblem(path);
+        problem && (named || cl.report || !hasDisplay())) {
         std::fprintf(stderr, "dustmere: %s\n", problem->c_str());
         return 2;
     }
     if (cl.report || !hasDisplay())
-        return runHeadlessReport(path, cl.report.value_or(CommandLine::ReportFormat::text), cl.depth);
+        return runHeadlessReport(path, cl.report.value_or(CommandLine::ReportFormat::text),
+                                 cl.depth);
     return runWindow(argc, argv, cl);
 }

@@ -3,7 +3,8 @@
 const std::vector<Achievement> &Achievement::all()
 {
     static const std::vector<Achievement> table = [] {
-        const auto a = [](const char *id, const char *emoji, const char *title, const char *detail) {
+        const auto a = [](const char *id, const char *emoji, const char *title,
+                          const char *detail) {
             return Achievement{QString::fromUtf8(id), QString::fromUtf8(emoji),
                                QString::fromUtf8(title), QString::fromUtf8(detail)};
         };

@@ -8,7 +8,6 @@
 
 #include <QFile>
 #include <QGuiApplication>
-
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
@@ -62,9 +61,7 @@ ToastQueue::SoundPlayer orShared(ToastQueue::SoundPlayer play)
 Game::Game(QObject *parent) : Game(Options{}, parent) {}
 
 Game::Game(Options options, QObject *parent)
-    : QObject(parent),
-      m_options(std::move(options)),
-      m_d(Settings::open()),
+    : QObject(parent), m_options(std::move(options)), m_d(Settings::open()),
       m_toasts(m_options.toastDuration, orShared(m_options.play), this)
 {
     connect(&m_toasts, &ToastQueue::currentChanged, this, &Game::toastChanged);
@@ -74,10 +71,11 @@ Game::Game(Options options, QObject *parent)
     connect(&m_trashTimer, &QTimer::timeout, this, &Game::checkTrash);
     m_trashTimer.start();
     if (auto *app = qobject_cast<QGuiApplication *>(QCoreApplication::instance())) {
-        connect(app, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState s) {
-            if (s == Qt::ApplicationActive)
-                checkTrash();
-        });
+        connect(app, &QGuiApplication::applicationStateChanged, this,
+                [this](Qt::ApplicationState s) {
+                    if (s == Qt::ApplicationActive)
+                        checkTrash();
+                });
     }
 }
 
@@ -93,18 +91,22 @@ void Game::load()
     // Experience never decreases; a negative stored value can only be damage, so it counts as 0.
     m_xp = std::max<qint64>(Settings::integer(d, QStringLiteral("xp")).value_or(0), 0);
     m_reclaimed = toByteCount(Settings::number(d, QStringLiteral("reclaimed")));
-    for (const QString &id : Settings::stringList(d, QStringLiteral("unlocked")).value_or(QStringList{}))
+    for (const QString &id :
+         Settings::stringList(d, QStringLiteral("unlocked")).value_or(QStringList{}))
         m_unlocked.insert(id);
-    for (const QString &p : Settings::stringList(d, QStringLiteral("visited")).value_or(QStringList{}))
+    for (const QString &p :
+         Settings::stringList(d, QStringLiteral("visited")).value_or(QStringList{}))
         m_seen.insert(bytesOf(p));
     m_questDay = today();
     if (Settings::string(d, QStringLiteral("questDay")) == m_questDay)
         m_questBytes = toByteCount(Settings::number(d, QStringLiteral("questBytes")));
     m_hero = Settings::string(d, QStringLiteral("hero")).value_or(QStringLiteral("🧙"));
-    m_heroName = Settings::string(d, QStringLiteral("heroName")).value_or(QStringLiteral("Sweeper"));
+    m_heroName =
+        Settings::string(d, QStringLiteral("heroName")).value_or(QStringLiteral("Sweeper"));
     m_fantasyNames = Settings::boolean(d, QStringLiteral("fantasyNames")).value_or(true);
 
-    const QVariantMap names = Settings::map(d, QStringLiteral("customNames")).value_or(QVariantMap{});
+    const QVariantMap names =
+        Settings::map(d, QStringLiteral("customNames")).value_or(QVariantMap{});
     if (std::all_of(names.begin(), names.end(),
                     [](const QVariant &v) { return v.typeId() == QMetaType::QString; })) {
         for (auto it = names.begin(); it != names.end(); ++it)
@@ -165,13 +167,16 @@ std::int64_t Game::floorXP(int level)
 
 int Game::level() const
 {
-    return static_cast<int>(std::sqrt(static_cast<double>(std::max<std::int64_t>(m_xp, 0)) / 50.0)) + 1;
+    return static_cast<int>(
+               std::sqrt(static_cast<double>(std::max<std::int64_t>(m_xp, 0)) / 50.0)) +
+           1;
 }
 
 double Game::levelProgress() const
 {
     const int l = level();
-    return static_cast<double>(m_xp - floorXP(l)) / static_cast<double>(floorXP(l + 1) - floorXP(l));
+    return static_cast<double>(m_xp - floorXP(l)) /
+           static_cast<double>(floorXP(l + 1) - floorXP(l));
 }
 
 std::int64_t Game::xpToNext() const
@@ -181,9 +186,9 @@ std::int64_t Game::xpToNext() const
 
 QString Game::titleFor(int level)
 {
-    static const char *const titles[] = {"Dust Bunny",      "Byte Scout",      "Folder Ranger",
-                                         "Cache Hunter",    "Gigabyte Knight", "Storage Paladin",
-                                         "Disk Archmage",   "Legend of the Dustmere"};
+    static const char *const titles[] = {
+        "Dust Bunny",      "Byte Scout",      "Folder Ranger", "Cache Hunter",
+        "Gigabyte Knight", "Storage Paladin", "Disk Archmage", "Legend of the Dustmere"};
     return QString::fromUtf8(titles[std::min((std::max(level, 1) - 1) / 3, 7)]);
 }
 
@@ -207,9 +212,10 @@ void Game::gainXP(std::int64_t amount, std::optional<Toast> toast)
         post(std::move(*toast));
     const int now = level();
     if (now > before) {
-        post(Toast::make(QStringLiteral("⬆️"), QStringLiteral("Level %1!").arg(now),
-                         QStringLiteral("%1 · %2 XP to level %3").arg(title()).arg(xpToNext()).arg(now + 1),
-                         Sound::Sfx::levelUp()));
+        post(Toast::make(
+            QStringLiteral("⬆️"), QStringLiteral("Level %1!").arg(now),
+            QStringLiteral("%1 · %2 XP to level %3").arg(title()).arg(xpToNext()).arg(now + 1),
+            Sound::Sfx::levelUp()));
         m_confetti = m_options.now();
         Q_EMIT confettiChanged();
     }
@@ -317,12 +323,15 @@ void Game::slain(const std::vector<std::uint64_t> &sizes, bool wasBounty)
     Q_EMIT reclaimedChanged();
     Q_EMIT questBytesChanged();
 
-    const QString subtitle = QStringLiteral("+%1 XP · %2 to the Trash").arg(reward).arg(Fmt::bytes(total));
+    const QString subtitle =
+        QStringLiteral("+%1 XP · %2 to the Trash").arg(reward).arg(Fmt::bytes(total));
     if (n == 1) {
         const Tier tier = Tiers::ofBytes(total);
-        gainXP(reward, Toast::make(Tiers::emoji(tier), Tiers::displayName(tier) + QStringLiteral(" slain!"), subtitle));
+        gainXP(reward, Toast::make(Tiers::emoji(tier),
+                                   Tiers::displayName(tier) + QStringLiteral(" slain!"), subtitle));
     } else {
-        gainXP(reward, Toast::make(QStringLiteral("🧹"), QStringLiteral("Swept %1 monsters!").arg(n), subtitle));
+        gainXP(reward, Toast::make(QStringLiteral("🧹"),
+                                   QStringLiteral("Swept %1 monsters!").arg(n), subtitle));
     }
     unlock(QStringLiteral("first_blood"));
     if (wasBounty)

@@ -9,7 +9,6 @@
 #include <QObject>
 #include <QSettings>
 #include <QTimer>
-
 #include <chrono>
 #include <functional>
 #include <map>
@@ -83,8 +82,8 @@ public:
     void checkTrash();
     [[nodiscard]] std::optional<QString> customName(const std::string &path) const;
     void rename(const std::string &path, const QString &name);
-    [[nodiscard]] QString placeName(std::optional<std::string_view> path, std::string_view folderName,
-                                    std::optional<Tier> tier) const;
+    [[nodiscard]] QString placeName(std::optional<std::string_view> path,
+                                    std::string_view folderName, std::optional<Tier> tier) const;
     void spellsCast(std::int64_t count);
 
     void gainXP(std::int64_t amount, std::optional<Toast> toast = std::nullopt);

@@ -163,7 +163,8 @@ QString Lore::name(std::string_view folderName, std::optional<Tier> tier)
         return n;
     }();
     if (decoded.size() <= longestKnown) {
-        if (const auto known = knownNames().constFind(decoded.toLower()); known != knownNames().cend())
+        if (const auto known = knownNames().constFind(decoded.toLower());
+            known != knownNames().cend())
             return *known;
     }
 

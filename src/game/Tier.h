@@ -3,7 +3,6 @@
 #include "platform/AdaptiveColor.h"
 
 #include <QString>
-
 #include <array>
 #include <cstdint>
 
@@ -22,7 +21,10 @@ enum class Measure { bytes, files };
 {
     return of(static_cast<double>(bytes), Measure::bytes);
 }
-[[nodiscard]] inline int index(Tier t) { return static_cast<int>(t); }
+[[nodiscard]] inline int index(Tier t)
+{
+    return static_cast<int>(t);
+}
 
 [[nodiscard]] QString emoji(Tier t);
 [[nodiscard]] QString displayName(Tier t);

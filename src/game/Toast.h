@@ -4,7 +4,6 @@
 
 #include <QString>
 #include <QUuid>
-
 #include <optional>
 
 // A short on-screen announcement; shown one at a time through the game's queue.

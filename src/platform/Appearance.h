@@ -1,9 +1,9 @@
 #pragma once
 
+#include "platform/AdaptiveColor.h"
+
 #include <QColor>
 #include <QPalette>
-
-#include "platform/AdaptiveColor.h"
 
 // Light and dark appearance. The application palette says which one is current; --appearance=
 // replaces the palette at start-up, so views only ever ask the palette.

@@ -19,7 +19,8 @@ void Desktop::reveal(const std::string &path)
     if (showItems({fileUrl(path).toString(QUrl::FullyEncoded)}))
         return;
     const auto slash = path.rfind('/');
-    (void)openUrl(fileUrl(slash == std::string::npos || slash == 0 ? std::string("/") : path.substr(0, slash)));
+    (void)openUrl(fileUrl(slash == std::string::npos || slash == 0 ? std::string("/")
+                                                                   : path.substr(0, slash)));
 }
 
 void Desktop::openTrash(const std::string &homeTrash)
@@ -35,7 +36,8 @@ bool Desktop::showItems(const QStringList &uris)
     if (!bus.isConnected())
         return false;
     QDBusMessage call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("/org/freedesktop/FileManager1"),
+        QStringLiteral("org.freedesktop.FileManager1"),
+        QStringLiteral("/org/freedesktop/FileManager1"),
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
     call << uris << QString();
     return bus.call(call, QDBus::Block, 3000).type() == QDBusMessage::ReplyMessage;

@@ -3,7 +3,6 @@
 #include <QString>
 #include <QStringList>
 #include <QUrl>
-
 #include <string>
 
 // The desktop around the app: the file manager and URL handlers.

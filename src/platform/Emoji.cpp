@@ -37,7 +37,8 @@ QFont Emoji::mixedFont(const QFont &textFont)
     return f;
 }
 
-void Emoji::drawCentered(QPainter &painter, const QString &emoji, const QPointF &centre, qreal pixelSize)
+void Emoji::drawCentered(QPainter &painter, const QString &emoji, const QPointF &centre,
+                         qreal pixelSize)
 {
     QFont f = font(12);
     f.setPixelSize(qMax(1, qRound(pixelSize)));
@@ -46,7 +47,8 @@ void Emoji::drawCentered(QPainter &painter, const QString &emoji, const QPointF 
     // Text draws nothing with no pen, the usual state right after filling a shape.
     if (painter.pen().style() == Qt::NoPen)
         painter.setPen(Qt::black);
-    const QRectF box(centre.x() - pixelSize * 2, centre.y() - pixelSize * 2, pixelSize * 4, pixelSize * 4);
+    const QRectF box(centre.x() - pixelSize * 2, centre.y() - pixelSize * 2, pixelSize * 4,
+                     pixelSize * 4);
     painter.drawText(box, Qt::AlignCenter, emoji);
     painter.restore();
 }

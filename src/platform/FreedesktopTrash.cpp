@@ -7,7 +7,6 @@
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QUrl>
-
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -60,8 +59,8 @@ void escapeInfoPath(const std::string &infoPath, const std::string &original)
     const QByteArray raw = text.mid(valueStart, end < 0 ? -1 : end - valueStart);
     // Only a raw copy of the original path (absolute, or relative to a mount's top) is ours to fix.
     const std::string value = raw.toStdString();
-    const bool isRaw = value == original ||
-                       (original.size() > value.size() && original.ends_with("/" + value));
+    const bool isRaw =
+        value == original || (original.size() > value.size() && original.ends_with("/" + value));
     if (!isRaw)
         return;
     text.replace(valueStart, raw.size(), QUrl::toPercentEncoding(QString::fromUtf8(raw), "/"));
@@ -75,7 +74,8 @@ void escapeInfoPath(const std::string &infoPath, const std::string &original)
 std::string FreedesktopTrash::homeTrash()
 {
     const char *data = std::getenv("XDG_DATA_HOME");
-    const std::string base = data && data[0] == '/' ? std::string(data) : Home::path() + "/.local/share";
+    const std::string base =
+        data && data[0] == '/' ? std::string(data) : Home::path() + "/.local/share";
     return base + "/Trash";
 }
 
@@ -92,7 +92,8 @@ bool FreedesktopTrash::isInsideTrashFiles(const std::string &path)
     const std::string uid = std::to_string(getuid());
     const std::string trashName = nameOf(trash);
     // A file system's own trash: $topdir/.Trash-$uid, or $topdir/.Trash/$uid.
-    return trashName == ".Trash-" + uid || (trashName == uid && nameOf(parentOf(trash)) == ".Trash");
+    return trashName == ".Trash-" + uid ||
+           (trashName == uid && nameOf(parentOf(trash)) == ".Trash");
 }
 
 TrashCan::Result FreedesktopTrash::moveToTrash(const std::string &path)
@@ -108,7 +109,8 @@ TrashCan::Result FreedesktopTrash::moveToTrash(const std::string &path)
     }
     struct stat st;
     if (lstat(path.c_str(), &st) != 0)
-        return Failed{QStringLiteral("“%1” couldn't be moved to the Trash: %2.").arg(name, QString::fromLocal8Bit(std::strerror(errno)))};
+        return Failed{QStringLiteral("“%1” couldn't be moved to the Trash: %2.")
+                          .arg(name, QString::fromLocal8Bit(std::strerror(errno)))};
 
     const std::string trash = homeTrash();
     makeDirs(trash + "/files", 0700);
@@ -116,7 +118,8 @@ TrashCan::Result FreedesktopTrash::moveToTrash(const std::string &path)
 
     QFile file(qtPath);
     if (!file.moveToTrash())
-        return Failed{QStringLiteral("“%1” couldn't be moved to the Trash: %2.").arg(name, file.errorString())};
+        return Failed{QStringLiteral("“%1” couldn't be moved to the Trash: %2.")
+                          .arg(name, file.errorString())};
 
     const std::string landed = QFile::encodeName(file.fileName()).toStdString();
     if (isInsideTrashFiles(landed)) {
@@ -125,7 +128,9 @@ TrashCan::Result FreedesktopTrash::moveToTrash(const std::string &path)
     }
 
     // It went somewhere that is not a trash: put it back where it was.
-    const std::string absolute = landed[0] == '/' ? landed : QFile::encodeName(QFileInfo(file).absoluteFilePath()).toStdString();
+    const std::string absolute =
+        landed[0] == '/' ? landed
+                         : QFile::encodeName(QFileInfo(file).absoluteFilePath()).toStdString();
     if (rename(absolute.c_str(), path.c_str()) == 0) {
         // Only the bookkeeping Qt wrote for the bogus move goes; the folders go only if empty.
         const std::string base = parentOf(parentOf(absolute));
@@ -133,5 +138,7 @@ TrashCan::Result FreedesktopTrash::moveToTrash(const std::string &path)
         rmdir((base + "/info").c_str());
         rmdir((base + "/files").c_str());
     }
-    return Failed{QStringLiteral("“%1” couldn't be moved to the Trash: no usable Trash folder was found.").arg(name)};
+    return Failed{
+        QStringLiteral("“%1” couldn't be moved to the Trash: no usable Trash folder was found.")
+            .arg(name)};
 }

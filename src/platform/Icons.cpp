@@ -17,7 +17,8 @@ const QHash<QString, QString> &table()
         {QStringLiteral("chevron.left"), QStringLiteral("go-previous-symbolic")},
         {QStringLiteral("chevron.right"), QStringLiteral("go-next-symbolic")},
         {QStringLiteral("arrow.clockwise"), QStringLiteral("view-refresh-symbolic")},
-        {QStringLiteral("arrow.triangle.2.circlepath"), QStringLiteral("emblem-synchronizing-symbolic")},
+        {QStringLiteral("arrow.triangle.2.circlepath"),
+         QStringLiteral("emblem-synchronizing-symbolic")},
         {QStringLiteral("map"), QStringLiteral("find-location-symbolic")},
         {QStringLiteral("sparkles"), QStringLiteral("starred-symbolic")},
         {QStringLiteral("trash"), QStringLiteral("user-trash-symbolic")},
@@ -49,8 +50,12 @@ void drawGlyph(QPainter &p, const QString &name, qreal s)
         return;
     }
     if (name == QLatin1String("bolt.fill")) {
-        p.drawPolygon(QPolygonF({{s * 0.58, s * 0.04}, {s * 0.18, s * 0.56}, {s * 0.46, s * 0.56},
-                                 {s * 0.38, s * 0.96}, {s * 0.82, s * 0.42}, {s * 0.54, s * 0.42}}));
+        p.drawPolygon(QPolygonF({{s * 0.58, s * 0.04},
+                                 {s * 0.18, s * 0.56},
+                                 {s * 0.46, s * 0.56},
+                                 {s * 0.38, s * 0.96},
+                                 {s * 0.82, s * 0.42},
+                                 {s * 0.54, s * 0.42}}));
         return;
     }
     if (name == QLatin1String("checkmark.circle.fill")) {
@@ -83,7 +88,8 @@ void useAdwaitaBehindTheTheme()
     static const bool done = [] {
         QStringList paths = QIcon::themeSearchPaths();
         const QByteArray dataDirs = qgetenv("XDG_DATA_DIRS");
-        const QString dirs = dataDirs.isEmpty() ? QStringLiteral("/usr/local/share:/usr/share") : QString::fromLocal8Bit(dataDirs);
+        const QString dirs = dataDirs.isEmpty() ? QStringLiteral("/usr/local/share:/usr/share")
+                                                : QString::fromLocal8Bit(dataDirs);
         for (const QString &dir : dirs.split(u':', Qt::SkipEmptyParts)) {
             const QString icons = dir + QStringLiteral("/icons");
             if (!paths.contains(icons))

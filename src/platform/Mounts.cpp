@@ -9,8 +9,8 @@ namespace Mounts {
 bool isVirtualFileSystemType(const std::string &type)
 {
     static constexpr std::array<std::string_view, 16> types = {
-        "proc",   "sysfs",  "devtmpfs", "devpts",    "cgroup", "cgroup2",   "tracefs", "debugfs",
-        "securityfs", "pstore", "bpf", "mqueue", "hugetlbfs", "configfs", "fusectl", "autofs"};
+        "proc",       "sysfs",  "devtmpfs", "devpts", "cgroup",    "cgroup2",  "tracefs", "debugfs",
+        "securityfs", "pstore", "bpf",      "mqueue", "hugetlbfs", "configfs", "fusectl", "autofs"};
     for (std::string_view t : types) {
         if (type == t)
             return true;

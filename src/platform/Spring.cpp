@@ -4,7 +4,8 @@
 #include <numbers>
 
 Spring::Spring(double response, double dampingFraction)
-    : m_omega(2 * std::numbers::pi / std::max(response, 0.01)), m_zeta(std::max(dampingFraction, 0.01))
+    : m_omega(2 * std::numbers::pi / std::max(response, 0.01)),
+      m_zeta(std::max(dampingFraction, 0.01))
 {
     double settled = 0;
     for (double t = 0; t < 10; t += 0.005) {

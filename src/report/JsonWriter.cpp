@@ -2,7 +2,6 @@
 
 #include <QFile>
 #include <QString>
-
 #include <charconv>
 
 bool isValidUtf8(std::string_view s)
@@ -36,8 +35,8 @@ bool isValidUtf8(std::string_view s)
                 return false;
             cp = (cp << 6) | (byte(i + k) & 0x3F);
         }
-        const bool overlong = (len == 2 && cp < 0x80) || (len == 3 && cp < 0x800) ||
-                              (len == 4 && cp < 0x10000);
+        const bool overlong =
+            (len == 2 && cp < 0x80) || (len == 3 && cp < 0x800) || (len == 4 && cp < 0x10000);
         if (overlong || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF))
             return false;
         i += len;
@@ -144,11 +143,21 @@ void JsonWriter::writeString(std::string_view utf8)
         m_out.append(utf8.data() + runStart, i - runStart);
         runStart = i + 1;
         switch (c) {
-        case '"': m_out += "\\\""; break;
-        case '\\': m_out += "\\\\"; break;
-        case '\n': m_out += "\\n"; break;
-        case '\r': m_out += "\\r"; break;
-        case '\t': m_out += "\\t"; break;
+        case '"':
+            m_out += "\\\"";
+            break;
+        case '\\':
+            m_out += "\\\\";
+            break;
+        case '\n':
+            m_out += "\\n";
+            break;
+        case '\r':
+            m_out += "\\r";
+            break;
+        case '\t':
+            m_out += "\\t";
+            break;
         default:
             m_out += "\\u00";
             m_out += hex[c >> 4];

@@ -1,7 +1,6 @@
+#include "game/Lore.h"
 #include "report/JsonWriter.h"
 #include "report/Report.h"
-
-#include "game/Lore.h"
 
 #include <unordered_map>
 

@@ -1,10 +1,8 @@
 #include "report/Report.h"
-
 #include "scan/Fmt.h"
 
 #include <QFile>
 #include <QString>
-
 #include <algorithm>
 
 namespace {
@@ -27,9 +25,12 @@ QString left(const QString &s, int width)
 QString safetySign(Advice::Safety s)
 {
     switch (s) {
-    case Advice::Safety::safe: return QStringLiteral("✅");
-    case Advice::Safety::rebuild: return QStringLiteral("🔄");
-    case Advice::Safety::review: return QStringLiteral("👁️");
+    case Advice::Safety::safe:
+        return QStringLiteral("✅");
+    case Advice::Safety::rebuild:
+        return QStringLiteral("🔄");
+    case Advice::Safety::review:
+        return QStringLiteral("👁️");
     }
     return {};
 }
@@ -53,11 +54,13 @@ void territories(QString &out, const Node &root)
         for (std::size_t i = shown; i < children.size(); ++i)
             bytes += children[i]->size();
         out += QStringLiteral("     %1 %2\n")
-                   .arg(left(QStringLiteral("%1 smaller folders").arg(rest), 55), right(Fmt::bytes(bytes), 10));
+                   .arg(left(QStringLiteral("%1 smaller folders").arg(rest), 55),
+                        right(Fmt::bytes(bytes), 10));
     }
     if (root.looseFiles() > 0) {
         out += QStringLiteral("     %1 %2 %3\n")
-                   .arg(left(QStringLiteral("Loose files"), 55), right(Fmt::bytes(root.looseSize()), 10),
+                   .arg(left(QStringLiteral("Loose files"), 55),
+                        right(Fmt::bytes(root.looseSize()), 10),
                         right(Fmt::count(root.looseFiles()) + QStringLiteral(" files"), 14));
     }
 }
@@ -65,7 +68,8 @@ void territories(QString &out, const Node &root)
 void bounties(QString &out, const Report::Input &input)
 {
     if (input.advice.empty()) {
-        out += QStringLiteral("\n🏁 Board cleared: nothing here over 25 MB that's known to be safe to delete.\n");
+        out += QStringLiteral(
+            "\n🏁 Board cleared: nothing here over 25 MB that's known to be safe to delete.\n");
         return;
     }
     std::uint64_t all = 0;
@@ -98,7 +102,8 @@ void bounties(QString &out, const Report::Input &input)
             if (a.safety != s)
                 continue;
             out += QStringLiteral("  %1 %2  %3%4\n     %5\n")
-                       .arg(left(a.displayName(input.home), 32), right(Fmt::bytes(a.size), 10), a.reason,
+                       .arg(left(a.displayName(input.home), 32), right(Fmt::bytes(a.size), 10),
+                            a.reason,
                             a.actionable ? QString() : QStringLiteral(" (handle outside the app)"),
                             display(a.path));
         }
@@ -113,7 +118,8 @@ std::string Report::text(const Input &input)
     const Node &root = *input.root;
     const Tier tier = Tiers::ofBytes(root.size());
     QString out;
-    out += QStringLiteral("%1 %2 · %3\n").arg(Tiers::emoji(tier), placeName(root), display(root.path()));
+    out += QStringLiteral("%1 %2 · %3\n")
+               .arg(Tiers::emoji(tier), placeName(root), display(root.path()));
     out += QStringLiteral("   %1 · %2 files · %3 territories\n")
                .arg(Fmt::bytes(root.size()), Fmt::count(root.files()),
                     Fmt::count(std::int64_t(root.children().size())));

@@ -19,8 +19,7 @@ struct BigFile
     bool operator==(const BigFile &) const = default;
 };
 
-template<>
-struct std::hash<BigFile>
+template<> struct std::hash<BigFile>
 {
     std::size_t operator()(const BigFile &f) const noexcept
     {

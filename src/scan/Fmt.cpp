@@ -1,7 +1,6 @@
 #include "scan/Fmt.h"
 
 #include <QLocale>
-
 #include <array>
 #include <cmath>
 #include <limits>
@@ -21,7 +20,9 @@ const QLocale &numberLocale()
     const QLocale current;
     if (current != source) {
         source = current;
-        derived = current.language() == QLocale::C ? QLocale(QLocale::English, QLocale::UnitedStates) : current;
+        derived = current.language() == QLocale::C
+                      ? QLocale(QLocale::English, QLocale::UnitedStates)
+                      : current;
         derived.setNumberOptions(derived.numberOptions() & ~QLocale::OmitGroupSeparator);
     }
     return derived;

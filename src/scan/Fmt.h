@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-
 #include <cstdint>
 
 // The byte and count texts every view uses, so one number always reads the same way.

@@ -4,23 +4,17 @@
 #include "platform/FreedesktopTrash.h"
 #include "platform/Home.h"
 #include "platform/Paths.h"
-#include "session/SlayRules.h"
 #include "scan/Fmt.h"
+#include "session/SlayRules.h"
 #include "sound/Sound.h"
 
 #include <QtConcurrent/QtConcurrentRun>
-
 #include <algorithm>
 
-namespace {
-
-
-} // namespace
+namespace {} // namespace
 
 Model::Model(QObject *parent)
-    : QObject(parent),
-      m_scanPath(Home::path()),
-      m_trash(std::make_unique<FreedesktopTrash>()),
+    : QObject(parent), m_scanPath(Home::path()), m_trash(std::make_unique<FreedesktopTrash>()),
       m_desktop(std::make_unique<Desktop>())
 {
     m_timer.setInterval(150);
@@ -162,7 +156,8 @@ void Model::scan(Game &game)
         // A scan that is already over when the continuation is attached would otherwise finish
         // inside scan() itself; observers expect to see it start first.
         QMetaObject::invokeMethod(
-            this, [this, scanner, weakGame, result = std::move(result)]() mutable {
+            this,
+            [this, scanner, weakGame, result = std::move(result)]() mutable {
                 finishScan(scanner, std::move(result), weakGame);
             },
             Qt::QueuedConnection);
@@ -180,7 +175,8 @@ void Model::tick()
         setPartial(std::move(completed));
 }
 
-void Model::finishScan(const std::shared_ptr<Scanner> &scanner, ScanResult result, QPointer<Game> game)
+void Model::finishScan(const std::shared_ptr<Scanner> &scanner, ScanResult result,
+                       QPointer<Game> game)
 {
     // A stopped or replaced scan changes nothing.
     if (!m_scanner || m_scanner != scanner)
@@ -208,9 +204,9 @@ void Model::finishScan(const std::shared_ptr<Scanner> &scanner, ScanResult resul
             reclaimable += a.size;
     }
     if (game) {
-        game->post(Toast::make(QStringLiteral("💰"),
-                               QStringLiteral("%1 bounties posted").arg(m_advice.size()),
-                               QStringLiteral("Up to %1 you could reclaim").arg(Fmt::bytes(reclaimable))));
+        game->post(Toast::make(
+            QStringLiteral("💰"), QStringLiteral("%1 bounties posted").arg(m_advice.size()),
+            QStringLiteral("Up to %1 you could reclaim").arg(Fmt::bytes(reclaimable))));
     }
 }
 
@@ -429,9 +425,11 @@ void Model::slayAll(const std::vector<Advice> &items, Game &game)
     game.slain(sizes, true);
     if (failures >= 1) {
         play(Sound::Sfx::denied());
-        setError(QStringLiteral("%1 item%2 couldn't be moved to the Trash (macOS or another app protects them).")
-                     .arg(failures)
-                     .arg(failures == 1 ? QString() : QStringLiteral("s")));
+        setError(
+            QStringLiteral(
+                "%1 item%2 couldn't be moved to the Trash (macOS or another app protects them).")
+                .arg(failures)
+                .arg(failures == 1 ? QString() : QStringLiteral("s")));
     }
     Q_EMIT changed();
 }

@@ -14,7 +14,6 @@
 #include <QPointer>
 #include <QString>
 #include <QTimer>
-
 #include <array>
 #include <functional>
 #include <memory>
@@ -76,7 +75,10 @@ public:
     [[nodiscard]] Mode mode() const { return m_mode; }
     [[nodiscard]] const std::optional<Tile> &hovered() const { return m_hovered; }
     [[nodiscard]] const std::vector<Advice> &advice() const { return m_advice; }
-    [[nodiscard]] const std::unordered_set<std::string> &bountyPaths() const { return m_bountyPaths; }
+    [[nodiscard]] const std::unordered_set<std::string> &bountyPaths() const
+    {
+        return m_bountyPaths;
+    }
     [[nodiscard]] const std::optional<Pending> &pending() const { return m_pending; }
     [[nodiscard]] const std::optional<Dying> &dying() const { return m_dying; }
     [[nodiscard]] const std::optional<QString> &error() const { return m_error; }
@@ -127,7 +129,10 @@ public:
     void setSoundPlayer(SoundPlayer play) { m_play = std::move(play); }
     void setFolderChooser(FolderChooser chooser) { m_chooseFolder = std::move(chooser); }
     // Lets tests pin the home folder, clock and Trash the advisor sees.
-    void setAdvisorContext(std::function<Advisor::Context()> context) { m_advisorContext = std::move(context); }
+    void setAdvisorContext(std::function<Advisor::Context()> context)
+    {
+        m_advisorContext = std::move(context);
+    }
     void setTrashCan(std::unique_ptr<TrashCan> trash) { m_trash = std::move(trash); }
     void setDesktop(std::unique_ptr<Desktop> desktop) { m_desktop = std::move(desktop); }
     void setDeathDuration(std::chrono::milliseconds d) { m_deathDuration = d; }
@@ -163,7 +168,8 @@ private:
     void setProgress(Progress progress);
     void setPartial(std::vector<NodePtr> partial);
     void tick();
-    void finishScan(const std::shared_ptr<Scanner> &scanner, ScanResult result, QPointer<Game> game);
+    void finishScan(const std::shared_ptr<Scanner> &scanner, ScanResult result,
+                    QPointer<Game> game);
     bool trash(const std::string &path, std::uint64_t bytes, Game &game, bool quiet);
     void startDying(const std::string &path, std::uint64_t bytes, std::function<void()> onDone);
     void removeFromTree(const Advice &item);

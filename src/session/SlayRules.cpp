@@ -24,17 +24,17 @@ bool SlayRules::canSlay(std::string_view path, std::string_view home,
         return false;
 
     static constexpr std::array<std::string_view, 23> systemPrefixes = {
-        "/System", "/usr",   "/bin",  "/sbin", "/private", "/Library", "/opt", "/cores",
-        "/dev",    "/etc",   "/var",  "/boot", "/lib",     "/lib32",   "/lib64", "/libx32",
-        "/run",    "/srv",   "/proc", "/sys",  "/root",    "/snap",    "/nix"};
+        "/System", "/usr", "/bin",  "/sbin", "/private", "/Library", "/opt",   "/cores",
+        "/dev",    "/etc", "/var",  "/boot", "/lib",     "/lib32",   "/lib64", "/libx32",
+        "/run",    "/srv", "/proc", "/sys",  "/root",    "/snap",    "/nix"};
     for (std::string_view prefix : systemPrefixes) {
         if (Paths::isUnder(path, prefix))
             return false;
     }
 
     static constexpr std::array<std::string_view, 14> homeFolders = {
-        "Desktop", "Documents", "Downloads", "Library",  "Movies",    "Music",  "Pictures",
-        "Public",  "Applications", ".Trash", "Videos", "Templates", ".local", ".config"};
+        "Desktop", "Documents",    "Downloads", "Library", "Movies",    "Music",  "Pictures",
+        "Public",  "Applications", ".Trash",    "Videos",  "Templates", ".local", ".config"};
     if (path.size() > home.size() + 1 && path.starts_with(home) && path[home.size()] == '/') {
         const std::string_view rest = path.substr(home.size() + 1);
         for (std::string_view folder : homeFolders) {

@@ -34,9 +34,12 @@ QString Metrics::format(Metric m, double value)
 QString Modes::label(Mode m)
 {
     switch (m) {
-    case Mode::map: return QStringLiteral("Map");
-    case Mode::ranking: return QStringLiteral("Ranking");
-    case Mode::bounties: return QStringLiteral("Bounties");
+    case Mode::map:
+        return QStringLiteral("Map");
+    case Mode::ranking:
+        return QStringLiteral("Ranking");
+    case Mode::bounties:
+        return QStringLiteral("Bounties");
     }
     return {};
 }
@@ -52,7 +55,8 @@ std::vector<Tile> makeTiles(const Node *current, Metric metric, int limit)
         return Metrics::valueOf(metric, *a) > Metrics::valueOf(metric, *b);
     });
 
-    const std::size_t shown = std::min(folders.size(), static_cast<std::size_t>(std::max(limit, 0)));
+    const std::size_t shown =
+        std::min(folders.size(), static_cast<std::size_t>(std::max(limit, 0)));
     tiles.reserve(shown + 2);
     for (std::size_t i = 0; i < shown; ++i) {
         const NodePtr &n = folders[i];
@@ -66,8 +70,8 @@ std::vector<Tile> makeTiles(const Node *current, Metric metric, int limit)
         rest += Metrics::valueOf(metric, *folders[i]);
     if (rest > 0) {
         const auto count = static_cast<std::int64_t>(folders.size() - shown);
-        tiles.push_back({Tile::otherId, Tile::Other{count}, std::to_string(count) + " smaller folders",
-                         rest});
+        tiles.push_back(
+            {Tile::otherId, Tile::Other{count}, std::to_string(count) + " smaller folders", rest});
     }
 
     const double loose = Metrics::looseValueOf(metric, *current);

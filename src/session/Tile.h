@@ -3,7 +3,6 @@
 #include "scan/Node.h"
 
 #include <QString>
-
 #include <array>
 #include <string>
 #include <variant>

@@ -15,7 +15,8 @@
 #include <QToolButton>
 
 Breadcrumbs::Breadcrumbs(Model &model, Game &game, QWidget *parent)
-    : QScrollArea(parent), m_model(model), m_game(game), m_content(new QWidget), m_row(new QHBoxLayout(m_content))
+    : QScrollArea(parent), m_model(model), m_game(game), m_content(new QWidget),
+      m_row(new QHBoxLayout(m_content))
 {
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -66,7 +67,8 @@ void Breadcrumbs::rebuild()
         const NodePtr &node = chain[i];
         if (i > 0) {
             auto *chevron = new QLabel(m_content);
-            chevron->setPixmap(Icons::symbol(QStringLiteral("chevron.right"), secondary, 10).pixmap(10, 10));
+            chevron->setPixmap(
+                Icons::symbol(QStringLiteral("chevron.right"), secondary, 10).pixmap(10, 10));
             m_row->addWidget(chevron);
         }
         auto *crumb = new QToolButton(m_content);

@@ -84,9 +84,15 @@ void ContentView::chooseMainArea()
         area = m_scanning;
     } else if (m_model.current()) {
         switch (m_model.mode()) {
-        case Mode::map: area = m_world; break;
-        case Mode::ranking: area = m_ranking; break;
-        case Mode::bounties: area = m_bounties; break;
+        case Mode::map:
+            area = m_world;
+            break;
+        case Mode::ranking:
+            area = m_ranking;
+            break;
+        case Mode::bounties:
+            area = m_bounties;
+            break;
         }
     }
     if (m_stack->currentWidget() != area) {
@@ -103,7 +109,8 @@ void ContentView::showEvent(QShowEvent *event)
     if (m_shown)
         return;
     m_shown = true;
-    if (m_options.scanArgument && !m_options.scanArgument->isEmpty() && !m_model.root() && !m_model.scanning()) {
+    if (m_options.scanArgument && !m_options.scanArgument->isEmpty() && !m_model.root() &&
+        !m_model.scanning()) {
         m_model.setScanPath(QFile::encodeName(*m_options.scanArgument).toStdString());
         m_model.scan(m_game);
     }
@@ -133,8 +140,8 @@ void ContentView::askToSlay()
     }
     if (m_confirm)
         m_confirm->deleteLater();
-    auto *box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Dustmere"), SlayPrompt::title(*pending),
-                                QMessageBox::Cancel, window());
+    auto *box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Dustmere"),
+                                SlayPrompt::title(*pending), QMessageBox::Cancel, window());
     box->setInformativeText(SlayPrompt::message(*pending));
     QPushButton *trash = box->addButton(SlayPrompt::confirmLabel(), QMessageBox::DestructiveRole);
     box->setDefaultButton(qobject_cast<QPushButton *>(box->button(QMessageBox::Cancel)));
@@ -163,8 +170,9 @@ void ContentView::showError()
         return;
     if (m_alert)
         m_alert->deleteLater();
-    auto *box = new QMessageBox(QMessageBox::Critical, QStringLiteral("Dustmere"),
-                                QStringLiteral("Couldn't slay that one"), QMessageBox::Ok, window());
+    auto *box =
+        new QMessageBox(QMessageBox::Critical, QStringLiteral("Dustmere"),
+                        QStringLiteral("Couldn't slay that one"), QMessageBox::Ok, window());
     box->setInformativeText(*error);
     box->setAttribute(Qt::WA_DeleteOnClose);
     m_alert = box;

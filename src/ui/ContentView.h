@@ -3,7 +3,6 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QWidget>
-
 #include <optional>
 
 class Game;

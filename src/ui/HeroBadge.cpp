@@ -8,7 +8,6 @@
 
 #include <QPainter>
 #include <QPainterPath>
-
 #include <cmath>
 
 namespace {
@@ -43,7 +42,8 @@ HeroBadge::HeroBadge(Game &game, bool reduceMotion, QWidget *parent)
     m_pulse.setEndValue(0.78);
     connect(&m_pulse, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
 
-    for (const auto signal : {&Game::xpChanged, &Game::heroChanged, &Game::heroNameChanged, &Game::unlockedChanged})
+    for (const auto signal :
+         {&Game::xpChanged, &Game::heroChanged, &Game::heroNameChanged, &Game::unlockedChanged})
         connect(&game, signal, this, &HeroBadge::refresh);
     refresh();
 }
@@ -53,7 +53,8 @@ QSize HeroBadge::sizeHint() const
     const QFontMetrics name(font());
     QFont small = font();
     small.setPointSizeF(font().pointSizeF() * 0.85);
-    const int text = std::max(name.horizontalAdvance(m_game.heroName()), QFontMetrics(small).horizontalAdvance(caption()));
+    const int text = std::max(name.horizontalAdvance(m_game.heroName()),
+                              QFontMetrics(small).horizontalAdvance(caption()));
     return {int(ring) + 8 + text + 6, int(ring) + 4};
 }
 
@@ -76,7 +77,8 @@ QString HeroBadge::ringAccessibleText() const
 void HeroBadge::refresh()
 {
     const double target = m_game.levelProgress();
-    const double from = m_progress.currentValue().isValid() ? m_progress.currentValue().toDouble() : target;
+    const double from =
+        m_progress.currentValue().isValid() ? m_progress.currentValue().toDouble() : target;
     m_progress.run(m_reduceMotion ? target : from, target);
     if (m_game.level() != m_level) {
         m_level = m_game.level();
@@ -97,8 +99,9 @@ void HeroBadge::paintEvent(QPaintEvent *)
     const QColor dragonLabel = Appearance::resolve(Tiers::labelColor(Tier::dragon), palette());
 
     const QPointF centre(ring / 2 + 2, height() / 2.0);
-    const double scale =
-        m_pulse.state() == QAbstractAnimation::Running ? pulseScale(m_pulse.currentValue().toDouble()) : 1.0;
+    const double scale = m_pulse.state() == QAbstractAnimation::Running
+                             ? pulseScale(m_pulse.currentValue().toDouble())
+                             : 1.0;
     p.save();
     p.translate(centre);
     p.scale(scale, scale);
@@ -140,10 +143,12 @@ void HeroBadge::paintEvent(QPaintEvent *)
     secondary.setAlphaF(0.6);
     p.setFont(headline);
     p.setPen(inkColor);
-    p.drawText(QRectF(textX, 0, width() - textX, height() / 2.0), Qt::AlignLeft | Qt::AlignBottom, m_game.heroName());
+    p.drawText(QRectF(textX, 0, width() - textX, height() / 2.0), Qt::AlignLeft | Qt::AlignBottom,
+               m_game.heroName());
     p.setFont(small);
     p.setPen(secondary);
-    p.drawText(QRectF(textX, height() / 2.0 + 1, width() - textX, height() / 2.0), Qt::AlignLeft | Qt::AlignTop, caption());
+    p.drawText(QRectF(textX, height() / 2.0 + 1, width() - textX, height() / 2.0),
+               Qt::AlignLeft | Qt::AlignTop, caption());
     if (hasFocus()) {
         p.setPen(QPen(palette().color(QPalette::Highlight), 1.5));
         p.setBrush(Qt::NoBrush);

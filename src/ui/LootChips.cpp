@@ -34,8 +34,8 @@ LootChips::LootChips(Model &model, Game &game, bool reduceMotion, QWidget *paren
     layout->addWidget(chip);
 
     m_trash->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    m_trash->setToolTip(QStringLiteral(
-        "Slain items wait in the Trash and still use space. Empty the Trash in Finder to free it."));
+    m_trash->setToolTip(QStringLiteral("Slain items wait in the Trash and still use space. Empty "
+                                       "the Trash in Finder to free it."));
     QFont caption = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     caption.setPointSizeF(caption.pointSizeF() * 0.9);
     m_trash->setFont(caption);
@@ -51,8 +51,9 @@ LootChips::LootChips(Model &model, Game &game, bool reduceMotion, QWidget *paren
             showReclaimed(target);
             return;
         }
-        const QVariant from = m_count.state() == QAbstractAnimation::Running ? m_count.currentValue()
-                                                                              : m_count.endValue();
+        const QVariant from = m_count.state() == QAbstractAnimation::Running
+                                  ? m_count.currentValue()
+                                  : m_count.endValue();
         m_count.run(from.toDouble(), target);
     });
     connect(&game, &Game::trashedChanged, this, &LootChips::refreshTrash);
@@ -78,7 +79,8 @@ void LootChips::refreshTrash()
 void LootChips::refreshIcons()
 {
     const QColor ink = Appearance::ink(palette());
-    m_icon->setPixmap(Icons::symbol(QStringLiteral("sparkles"), QColor(0xED, 0xA1, 0x00), 16).pixmap(16, 16));
+    m_icon->setPixmap(
+        Icons::symbol(QStringLiteral("sparkles"), QColor(0xED, 0xA1, 0x00), 16).pixmap(16, 16));
     m_trash->setIcon(Icons::symbol(QStringLiteral("trash"), ink, 14));
 }
 

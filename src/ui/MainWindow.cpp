@@ -5,7 +5,8 @@
 
 #include <QMenuBar>
 
-MainWindow::MainWindow(Model &model, Game &game, Magic &magic, ContentView::Options options, QWidget *parent)
+MainWindow::MainWindow(Model &model, Game &game, Magic &magic, ContentView::Options options,
+                       QWidget *parent)
     : QMainWindow(parent), m_content(new ContentView(model, game, magic, std::move(options), this))
 {
     setObjectName(QStringLiteral("main"));
@@ -14,17 +15,21 @@ MainWindow::MainWindow(Model &model, Game &game, Magic &magic, ContentView::Opti
     resize(1280, 820);
     setCentralWidget(m_content);
     connect(m_content, &ContentView::subtitleChanged, this, [this](const QString &subtitle) {
-        setWindowTitle(subtitle.isEmpty() ? QStringLiteral("Dustmere") : subtitle + QStringLiteral(" — Dustmere"));
+        setWindowTitle(subtitle.isEmpty() ? QStringLiteral("Dustmere")
+                                          : subtitle + QStringLiteral(" — Dustmere"));
     });
 
     // The model operations ignore what does not apply, so the items stay enabled.
     m_world = menuBar()->addMenu(QStringLiteral("World"));
-    m_world->addAction(QStringLiteral("Up One Level"), QKeySequence(Qt::CTRL | Qt::Key_Up), &model, &Model::up);
+    m_world->addAction(QStringLiteral("Up One Level"), QKeySequence(Qt::CTRL | Qt::Key_Up), &model,
+                       &Model::up);
     m_world->addAction(QStringLiteral("Rescan"), QKeySequence(Qt::CTRL | Qt::Key_R), this,
                        [&model, &game] { model.scan(game); });
     m_world->addSeparator();
-    QAction *zoomIn = m_world->addAction(QStringLiteral("Zoom In"), this, [&model] { model.zoom(+1); });
-    zoomIn->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Equal), QKeySequence(Qt::CTRL | Qt::Key_Plus)});
+    QAction *zoomIn =
+        m_world->addAction(QStringLiteral("Zoom In"), this, [&model] { model.zoom(+1); });
+    zoomIn->setShortcuts(
+        {QKeySequence(Qt::CTRL | Qt::Key_Equal), QKeySequence(Qt::CTRL | Qt::Key_Plus)});
     m_world->addAction(QStringLiteral("Zoom Out"), QKeySequence(Qt::CTRL | Qt::Key_Minus), this,
                        [&model] { model.zoom(-1); });
     m_world->addAction(QStringLiteral("Fit Whole Realm"), QKeySequence(Qt::CTRL | Qt::Key_0), this,

@@ -10,7 +10,8 @@ class MainWindow : public QMainWindow
     Q_OBJECT
 
 public:
-    MainWindow(Model &model, Game &game, Magic &magic, ContentView::Options options, QWidget *parent = nullptr);
+    MainWindow(Model &model, Game &game, Magic &magic, ContentView::Options options,
+               QWidget *parent = nullptr);
 
     [[nodiscard]] ContentView *content() const { return m_content; }
     [[nodiscard]] QMenu *worldMenu() const { return m_world; }

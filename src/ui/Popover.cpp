@@ -16,10 +16,12 @@ Popover::Popover(QWidget *content, QWidget *parent) : QFrame(parent, Qt::Popup)
 void Popover::showBelow(QWidget *anchor)
 {
     adjustSize();
-    QPoint at = anchor->mapToGlobal(QPoint(anchor->width() / 2 - width() / 2, anchor->height() + 4));
+    QPoint at =
+        anchor->mapToGlobal(QPoint(anchor->width() / 2 - width() / 2, anchor->height() + 4));
     if (const QScreen *screen = anchor->screen()) {
         const QRect area = screen->availableGeometry();
-        at.setX(std::clamp(at.x(), area.left() + 4, std::max(area.left() + 4, area.right() - width() - 4)));
+        at.setX(std::clamp(at.x(), area.left() + 4,
+                           std::max(area.left() + 4, area.right() - width() - 4)));
         at.setY(std::min(at.y(), std::max(area.top(), area.bottom() - height() - 4)));
     }
     move(at);

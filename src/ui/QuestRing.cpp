@@ -6,7 +6,6 @@
 #include "scan/Fmt.h"
 
 #include <QPainter>
-
 #include <cmath>
 
 QuestRing::QuestRing(Game &game, QWidget *parent) : QWidget(parent), m_game(game)
@@ -18,14 +17,17 @@ QuestRing::QuestRing(Game &game, QWidget *parent) : QWidget(parent), m_game(game
 
 double QuestRing::progress() const
 {
-    return std::min(static_cast<double>(m_game.questBytes()) / static_cast<double>(Game::questGoal), 1.0);
+    return std::min(static_cast<double>(m_game.questBytes()) / static_cast<double>(Game::questGoal),
+                    1.0);
 }
 
 void QuestRing::refresh()
 {
     setToolTip(m_game.questDone() ? QStringLiteral("Daily quest complete!")
-                                  : QStringLiteral("Daily quest: reclaim 1 GB · %1 so far").arg(Fmt::bytes(m_game.questBytes())));
-    setAccessibleName(QStringLiteral("Daily quest, %1 percent").arg(int(std::floor(progress() * 100))));
+                                  : QStringLiteral("Daily quest: reclaim 1 GB · %1 so far")
+                                        .arg(Fmt::bytes(m_game.questBytes())));
+    setAccessibleName(
+        QStringLiteral("Daily quest, %1 percent").arg(int(std::floor(progress() * 100))));
     update();
 }
 
@@ -40,8 +42,10 @@ void QuestRing::paintEvent(QPaintEvent *)
     p.drawEllipse(circle);
     const QColor done = Appearance::resolve(Tiers::landColor(Tier::dragon), palette());
     if (progress() > 0) {
-        p.setPen(QPen(m_game.questDone() ? done : QColor(0xED, 0xA1, 0x00), 3, Qt::SolidLine, Qt::RoundCap));
+        p.setPen(QPen(m_game.questDone() ? done : QColor(0xED, 0xA1, 0x00), 3, Qt::SolidLine,
+                      Qt::RoundCap));
         p.drawArc(circle, 90 * 16, -int(std::round(progress() * 360 * 16)));
     }
-    Emoji::drawCentered(p, m_game.questDone() ? QStringLiteral("✅") : QStringLiteral("📜"), circle.center(), 13);
+    Emoji::drawCentered(p, m_game.questDone() ? QStringLiteral("✅") : QStringLiteral("📜"),
+                        circle.center(), 13);
 }

@@ -17,7 +17,8 @@ SegmentedControl::SegmentedControl(const QString &accessibleName, QWidget *paren
     connect(&m_group, &QButtonGroup::idClicked, this, &SegmentedControl::selectedChanged);
 }
 
-QToolButton *SegmentedControl::addSegment(const QString &text, const QIcon &icon, const QString &help)
+QToolButton *SegmentedControl::addSegment(const QString &text, const QIcon &icon,
+                                          const QString &help)
 {
     auto *button = new QToolButton(this);
     button->setCheckable(true);
@@ -30,9 +31,9 @@ QToolButton *SegmentedControl::addSegment(const QString &text, const QIcon &icon
     button->setMinimumWidth(36);
     button->setFixedHeight(24);
     button->setIconSize(QSize(16, 16));
-    button->setStyleSheet(QStringLiteral(
-        "QToolButton { border: none; border-radius: 5px; padding: 3px 8px; }"
-        "QToolButton:checked { background: palette(base); }"));
+    button->setStyleSheet(
+        QStringLiteral("QToolButton { border: none; border-radius: 5px; padding: 3px 8px; }"
+                       "QToolButton:checked { background: palette(base); }"));
     m_group.addButton(button, m_group.buttons().size());
     m_layout->addWidget(button);
     return button;

@@ -9,6 +9,9 @@ namespace SlayPrompt {
 
 [[nodiscard]] QString title(const Model::Pending &pending);
 [[nodiscard]] QString message(const Model::Pending &pending);
-inline QString confirmLabel() { return QStringLiteral("Move to Trash"); }
+inline QString confirmLabel()
+{
+    return QStringLiteral("Move to Trash");
+}
 
 } // namespace SlayPrompt

@@ -65,7 +65,9 @@ TopBar::TopBar(Model &model, Game &game, Magic &magic, bool reduceMotion, QWidge
     row->addWidget(m_mode);
     m_metric = new SegmentedControl(QStringLiteral("Measure"), this);
     for (const Metric m : Metrics::all)
-        m_metric->addSegment(Metrics::label(m), QIcon(), QStringLiteral("Size territories by disk space or by number of files"));
+        m_metric->addSegment(
+            Metrics::label(m), QIcon(),
+            QStringLiteral("Size territories by disk space or by number of files"));
     connect(m_metric, &SegmentedControl::selectedChanged, this,
             [this](int i) { m_model.setMetric(Metrics::all[std::size_t(i)]); });
     row->addWidget(m_metric);
@@ -95,7 +97,8 @@ void TopBar::refresh()
     const NodePtr current = m_model.current();
     const bool here = current != nullptr;
     for (QWidget *w : {static_cast<QWidget *>(m_divider), static_cast<QWidget *>(m_up),
-                       static_cast<QWidget *>(m_crumbs), static_cast<QWidget *>(m_mode), static_cast<QWidget *>(m_metric)})
+                       static_cast<QWidget *>(m_crumbs), static_cast<QWidget *>(m_mode),
+                       static_cast<QWidget *>(m_metric)})
         w->setVisible(here);
     m_up->setEnabled(here && current->hasParent());
     m_rescan->setVisible(m_model.root() != nullptr);

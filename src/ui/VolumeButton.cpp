@@ -54,7 +54,8 @@ VolumeButton::VolumeButton(QWidget *parent)
         refreshIcon();
     });
     // A sample of the new volume when the user lets go.
-    connect(m_slider, &QSlider::sliderReleased, this, [] { Sound::shared().play(Sound::Sfx::discover()); });
+    connect(m_slider, &QSlider::sliderReleased, this,
+            [] { Sound::shared().play(Sound::Sfx::discover()); });
     connect(this, &QToolButton::clicked, this, [this] {
         if (m_popover->isVisible())
             m_popover->hide();
@@ -68,7 +69,8 @@ QString VolumeButton::symbolName() const
 {
     if (m_muted)
         return QStringLiteral("speaker.slash.fill");
-    return m_volume < 0.4 ? QStringLiteral("speaker.wave.1.fill") : QStringLiteral("speaker.wave.2.fill");
+    return m_volume < 0.4 ? QStringLiteral("speaker.wave.1.fill")
+                          : QStringLiteral("speaker.wave.2.fill");
 }
 
 void VolumeButton::refreshIcon()

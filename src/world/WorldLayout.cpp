@@ -1,8 +1,5 @@
 #include "world/WorldLayout.h"
 
-#include <QtConcurrent/QtConcurrentMap>
-#include <QtConcurrent/QtConcurrentRun>
-
 #include "game/Djb2.h"
 #include "world/RegionBuilder.h"
 #include "world/Rivers.h"
@@ -10,6 +7,8 @@
 #include "world/Squarify.h"
 
 #include <QByteArray>
+#include <QtConcurrent/QtConcurrentMap>
+#include <QtConcurrent/QtConcurrentRun>
 #include <algorithm>
 #include <bit>
 
@@ -109,9 +108,8 @@ WorldLayout WorldLayout::build(const std::vector<Tile> &tiles, const std::string
     SplitMix64 random(seed);
 
     // The coast is all rough edge; it is warped on another thread while the regions are built.
-    QFuture<QPainterPath> coast = QtConcurrent::run([warp = layout.warp, land = layout.land] {
-        return warp.warpedOutline(land);
-    });
+    QFuture<QPainterPath> coast = QtConcurrent::run(
+        [warp = layout.warp, land = layout.land] { return warp.warpedOutline(land); });
 
     std::vector<double> values;
     values.reserve(tiles.size());
@@ -125,7 +123,8 @@ WorldLayout WorldLayout::build(const std::vector<Tile> &tiles, const std::string
         layout.regions.push_back(builder.build(tiles[i], rects[i]));
     // The outlines are most of the work and independent of each other and of the generator.
     const Warp &warp = layout.warp;
-    QtConcurrent::blockingMap(layout.regions, [&warp](Region &r) { r.shape = warp.warpedOutline(r.rect); });
+    QtConcurrent::blockingMap(layout.regions,
+                              [&warp](Region &r) { r.shape = warp.warpedOutline(r.rect); });
 
     layout.rivers = Rivers::trace(layout.regions, layout.land, layout.warp);
     layout.coast = coast.result();

@@ -60,8 +60,8 @@ class TestMainWindow : public QObject
 
     void open(std::optional<QString> scanArgument = std::nullopt)
     {
-        m_window = std::make_unique<MainWindow>(*m_model, *m_game, *m_magic,
-                                                ContentView::Options{std::move(scanArgument), true});
+        m_window = std::make_unique<MainWindow>(
+            *m_model, *m_game, *m_magic, ContentView::Options{std::move(scanArgument), true});
         m_window->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
     }
@@ -128,7 +128,7 @@ private Q_SLOTS:
         QVERIFY(bar().rescanButton()->isVisible());
         QVERIFY(bar().modeSwitch()->isVisible());
         QVERIFY(!bar().upButton()->isEnabled()); // at the scan root
-        QVERIFY(bar().height() < 60); // one slim row, whatever the trail holds
+        QVERIFY(bar().height() < 60);            // one slim row, whatever the trail holds
 
         // The switches drive the model, and every change clicks.
         m_played.clear();
@@ -178,8 +178,10 @@ private Q_SLOTS:
         QStringList items;
         for (QAction *a : world->actions())
             items << (a->isSeparator() ? QStringLiteral("-") : a->text());
-        QCOMPARE(items, (QStringList{QStringLiteral("Up One Level"), QStringLiteral("Rescan"), QStringLiteral("-"),
-                                     QStringLiteral("Zoom In"), QStringLiteral("Zoom Out"), QStringLiteral("Fit Whole Realm")}));
+        QCOMPARE(items,
+                 (QStringList{QStringLiteral("Up One Level"), QStringLiteral("Rescan"),
+                              QStringLiteral("-"), QStringLiteral("Zoom In"),
+                              QStringLiteral("Zoom Out"), QStringLiteral("Fit Whole Realm")}));
         for (int i = 0; i < 5; ++i)
             QTest::keyClick(m_window.get(), Qt::Key_Equal, Qt::ControlModifier);
         QCOMPARE(m_model->zoomLevel(), 4);
@@ -204,8 +206,10 @@ private Q_SLOTS:
         m_model->setPending(Model::PendingFolder{m_model->node(tree.toStdString() + "/spared")});
         QMessageBox *box = m_window->content()->slayConfirmation();
         QVERIFY(box && box->isVisible());
-        QVERIFY(box->text().startsWith(QStringLiteral("Slay the Microbe of “spared” and reclaim ")));
-        QCOMPARE(box->informativeText(), QStringLiteral("It goes to the Trash, so you can still put it back."));
+        QVERIFY(
+            box->text().startsWith(QStringLiteral("Slay the Microbe of “spared” and reclaim ")));
+        QCOMPARE(box->informativeText(),
+                 QStringLiteral("It goes to the Trash, so you can still put it back."));
         box->button(QMessageBox::Cancel)->click();
         QTRY_VERIFY(!m_model->pending());
         QVERIFY(QFile::exists(QFile::decodeName(tree + "/spared")));
@@ -254,8 +258,10 @@ private Q_SLOTS:
     void promptTexts()
     {
         const std::vector<Advice> items = {item(MB), item(2 * MB), item(3 * MB)};
-        QCOMPARE(SlayPrompt::title(Model::PendingBulk{items}), QStringLiteral("Slay all 3 safe items and reclaim 6 MB?"));
-        QVERIFY(SlayPrompt::message(Model::PendingBulk{items}).startsWith(QStringLiteral("These are caches")));
+        QCOMPARE(SlayPrompt::title(Model::PendingBulk{items}),
+                 QStringLiteral("Slay all 3 safe items and reclaim 6 MB?"));
+        QVERIFY(SlayPrompt::message(Model::PendingBulk{items})
+                    .startsWith(QStringLiteral("These are caches")));
         QCOMPARE(SlayPrompt::title(Model::PendingFile{BigFile{"/d/movie.mkv", 3'000'000'000, 0}}),
                  QStringLiteral("Slay “movie.mkv” and reclaim 3 GB?"));
     }

@@ -91,7 +91,8 @@ private Q_SLOTS:
         QTest::newRow("450") << qint64(450) << 4 << "Byte Scout";
         QTest::newRow("4050") << qint64(4050) << 10 << "Cache Hunter";
         QTest::newRow("level 22") << qint64(Game::floorXP(22)) << 22 << "Legend of the Dustmere";
-        QTest::newRow("level 60") << qint64(Game::floorXP(60) + 1) << 60 << "Legend of the Dustmere";
+        QTest::newRow("level 60") << qint64(Game::floorXP(60) + 1) << 60
+                                  << "Legend of the Dustmere";
     }
 
     void levelsAndTitles()
@@ -123,8 +124,8 @@ private Q_SLOTS:
         game->scanned(*scannedRoot(12 * GB, 150'000));
         QCOMPARE(game->xp(), 25 + 7 + 3 * 30);
         QCOMPARE(drainTitles(*game), (QStringList{QStringLiteral("Achievement: Cartographer"),
-                                                 QStringLiteral("Achievement: Dragon Spotter"),
-                                                 QStringLiteral("Achievement: Hoard Finder")}));
+                                                  QStringLiteral("Achievement: Dragon Spotter"),
+                                                  QStringLiteral("Achievement: Hoard Finder")}));
         QVERIFY(game->confetti().has_value());
 
         const auto other = makeGame();
@@ -146,13 +147,16 @@ private Q_SLOTS:
         QCOMPARE(m_shown.front().emoji, QStringLiteral("👹"));
         QCOMPARE(drainTitles(*game),
                  (QStringList{QStringLiteral("Ogre slain!"), QStringLiteral("Level 2!"),
-                              QStringLiteral("Achievement: First Blood"), QStringLiteral("Achievement: Bounty Hunter"),
-                              QStringLiteral("Achievement: Clean Sweep"), QStringLiteral("Daily quest complete"),
+                              QStringLiteral("Achievement: First Blood"),
+                              QStringLiteral("Achievement: Bounty Hunter"),
+                              QStringLiteral("Achievement: Clean Sweep"),
+                              QStringLiteral("Daily quest complete"),
                               QStringLiteral("Achievement: Questor")}));
         // Toast sounds play as each toast shows; the slay toast has none.
-        QCOMPARE(m_sounds, (std::vector<Sound::Sfx>{Sound::Sfx::levelUp(), Sound::Sfx::achievement(),
-                                                    Sound::Sfx::achievement(), Sound::Sfx::achievement(),
-                                                    Sound::Sfx::quest(), Sound::Sfx::achievement()}));
+        QCOMPARE(m_sounds,
+                 (std::vector<Sound::Sfx>{Sound::Sfx::levelUp(), Sound::Sfx::achievement(),
+                                          Sound::Sfx::achievement(), Sound::Sfx::achievement(),
+                                          Sound::Sfx::quest(), Sound::Sfx::achievement()}));
     }
 
     void bulkSlayPostsOneToast()
@@ -236,12 +240,14 @@ private Q_SLOTS:
         const auto game = makeGame();
         game->rename("/data/Caches", QStringLiteral("  My Hoard \n"));
         QCOMPARE(game->customName("/data/Caches"), std::optional(QStringLiteral("My Hoard")));
-        QCOMPARE(game->placeName(std::string_view("/data/Caches"), "Caches", Tier::ogre), QStringLiteral("My Hoard"));
+        QCOMPARE(game->placeName(std::string_view("/data/Caches"), "Caches", Tier::ogre),
+                 QStringLiteral("My Hoard"));
         QVERIFY(game->unlocked().contains(QStringLiteral("namer")));
         game->setFantasyNames(false);
         QCOMPARE(game->placeName(std::nullopt, "Caches", Tier::ogre), QStringLiteral("Caches"));
         game->setFantasyNames(true);
-        QCOMPARE(game->placeName(std::nullopt, "Caches", Tier::ogre), QStringLiteral("Caverns of Echoes"));
+        QCOMPARE(game->placeName(std::nullopt, "Caches", Tier::ogre),
+                 QStringLiteral("Caverns of Echoes"));
 
         forgetSettings();
         const auto other = makeGame();
@@ -252,7 +258,8 @@ private Q_SLOTS:
 
     void trashedItemsLeaveWhenTheTrashIsEmptied()
     {
-        const QByteArray item = QFile::encodeName(TestSandbox::instance()->root()) + "/trashed-item";
+        const QByteArray item =
+            QFile::encodeName(TestSandbox::instance()->root()) + "/trashed-item";
         TreeBuilder::makeFile(item, 4096);
         const auto game = makeGame();
         game->noteTrashed(std::nullopt, 5);
@@ -291,8 +298,9 @@ private Q_SLOTS:
         QVERIFY(again->hasSeen("/r/b"));
         QVERIFY(again->unlocked().contains(QStringLiteral("bounty")));
         QVERIFY(again->unlocked().contains(QStringLiteral("namer")));
-        QCOMPARE(again->xp(), 40 * 3 + 10 + 3 + 30 * 5 + 100); // slay, discovery, five unlocks, quest
-        QVERIFY(again->trashed().empty()); // the start-up check found it gone
+        QCOMPARE(again->xp(),
+                 40 * 3 + 10 + 3 + 30 * 5 + 100); // slay, discovery, five unlocks, quest
+        QVERIFY(again->trashed().empty());        // the start-up check found it gone
     }
 
     void wrongTypesAndDamageReadAsDefaults()
@@ -309,7 +317,8 @@ private Q_SLOTS:
             s->setValue(QStringLiteral("heroName"), true);
             s->setValue(QStringLiteral("fantasyNames"), QStringLiteral("yes"));
             s->setValue(QStringLiteral("customNames"), QVariantMap{{QStringLiteral("/a"), 1}});
-            s->setValue(QStringLiteral("trashed"), QVariantMap{{QStringLiteral("/a"), QStringLiteral("big")}});
+            s->setValue(QStringLiteral("trashed"),
+                        QVariantMap{{QStringLiteral("/a"), QStringLiteral("big")}});
             s->sync();
         }
         const auto game = makeGame();

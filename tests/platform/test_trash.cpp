@@ -3,9 +3,8 @@
 #include "support/TreeBuilder.h"
 
 #include <QDir>
-#include <QUrl>
 #include <QProcess>
-
+#include <QUrl>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -65,14 +64,14 @@ private Q_SLOTS:
         QVERIFY(std::holds_alternative<TrashCan::Moved>(result));
         const QByteArray home = QByteArray::fromStdString(FreedesktopTrash::homeTrash());
         QCOMPARE(home, qgetenv("XDG_DATA_HOME") + "/Trash");
-        const QByteArray landed = QByteArray::fromStdString(std::get<TrashCan::Moved>(result).trashedPath);
+        const QByteArray landed =
+            QByteArray::fromStdString(std::get<TrashCan::Moved>(result).trashedPath);
         QCOMPARE(landed, home + "/files/old build 100%");
         QVERIFY(exists(landed + "/x"));
         QVERIFY(!exists(folder + "/old build 100%"));
         const QByteArray info = readAll(home + "/info/old build 100%.trashinfo");
         QVERIFY(info.startsWith("[Trash Info]\n"));
-        QVERIFY2(info.contains("\nPath=" + folder + "/old%20build%20100%25\n"),
-                 info.constData());
+        QVERIFY2(info.contains("\nPath=" + folder + "/old%20build%20100%25\n"), info.constData());
         QVERIFY(info.contains("DeletionDate="));
         QVERIFY(cwd.clean());
         QVERIFY(FreedesktopTrash::isInsideTrashFiles(landed.toStdString()));
@@ -120,7 +119,8 @@ private Q_SLOTS:
         makeFile(dir + "/bad\xef\xbf\xbdname", 4096); // what the bad name decodes to
         const auto result = FreedesktopTrash().moveToTrash((dir + "/bad\xffname").toStdString());
         QVERIFY(std::holds_alternative<TrashCan::Failed>(result));
-        QVERIFY(std::get<TrashCan::Failed>(result).message.contains(QStringLiteral("file manager")));
+        QVERIFY(
+            std::get<TrashCan::Failed>(result).message.contains(QStringLiteral("file manager")));
         QVERIFY(exists(dir + "/bad\xffname"));
         QVERIFY(exists(dir + "/bad\xef\xbf\xbdname"));
     }
@@ -129,7 +129,8 @@ private Q_SLOTS:
     {
         const auto result = FreedesktopTrash().moveToTrash(sandbox("gone").toStdString());
         QVERIFY(std::holds_alternative<TrashCan::Failed>(result));
-        QVERIFY(std::get<TrashCan::Failed>(result).message.startsWith(QStringLiteral("“gone” couldn't")));
+        QVERIFY(std::get<TrashCan::Failed>(result).message.startsWith(
+            QStringLiteral("“gone” couldn't")));
     }
 
     void anotherFileSystemUsesItsOwnTrash()
@@ -142,10 +143,12 @@ private Q_SLOTS:
         makeFile(mnt + "/cache/blob", 8192);
         const auto result = FreedesktopTrash().moveToTrash((mnt + "/cache").toStdString());
         const QByteArray own = mnt + "/.Trash-" + QByteArray::number(getuid());
-        const bool inOwn = exists(own + "/files/cache/blob") && exists(own + "/info/cache.trashinfo");
+        const bool inOwn =
+            exists(own + "/files/cache/blob") && exists(own + "/info/cache.trashinfo");
         umount2(mnt.constData(), MNT_DETACH);
         QVERIFY(std::holds_alternative<TrashCan::Moved>(result));
-        QCOMPARE(QByteArray::fromStdString(std::get<TrashCan::Moved>(result).trashedPath), own + "/files/cache");
+        QCOMPARE(QByteArray::fromStdString(std::get<TrashCan::Moved>(result).trashedPath),
+                 own + "/files/cache");
         QVERIFY(inOwn);
     }
 

@@ -1,6 +1,6 @@
-#include "report/JsonWriter.h"
 #include "advisor/Advisor.h"
 #include "game/Lore.h"
+#include "report/JsonWriter.h"
 #include "report/Report.h"
 #include "scan/Scanner.h"
 #include "support/TestSandbox.h"
@@ -27,7 +27,8 @@ struct Run
     QByteArray err;
 };
 
-Run dustmere(const QStringList &args, const QProcessEnvironment &env = QProcessEnvironment::systemEnvironment())
+Run dustmere(const QStringList &args,
+             const QProcessEnvironment &env = QProcessEnvironment::systemEnvironment())
 {
     QProcess p;
     p.setProcessEnvironment(env);
@@ -93,8 +94,9 @@ private Q_SLOTS:
             names << c["name"].toString();
             QVERIFY(!c.toObject().contains(QStringLiteral("path"))); // only the root has one
         }
-        QCOMPARE(names, (QStringList{QStringLiteral("a"), QStringLiteral("quote\" back\\slash\nnewline\t"),
-                                     QStringLiteral("latin1 \uFFFDt\uFFFD")}));
+        QCOMPARE(names,
+                 (QStringList{QStringLiteral("a"), QStringLiteral("quote\" back\\slash\nnewline\t"),
+                              QStringLiteral("latin1 \uFFFDt\uFFFD")}));
         const QJsonObject a = r["children"].toArray().at(0).toObject();
         QCOMPARE(a["place"].toString(), Lore::name("a", Tier::microbe));
         QCOMPARE(a["children"].toArray().at(0)["name"].toString(), QStringLiteral("__pycache__"));
@@ -103,7 +105,8 @@ private Q_SLOTS:
         QCOMPARE(board.size(), 1);
         QCOMPARE(board[0]["kind"].toString(), QStringLiteral("folder"));
         QCOMPARE(board[0]["safety"].toString(), QStringLiteral("safe"));
-        QCOMPARE(board[0]["reason"].toString(), QStringLiteral("Compiled Python files. Regenerated automatically."));
+        QCOMPARE(board[0]["reason"].toString(),
+                 QStringLiteral("Compiled Python files. Regenerated automatically."));
         QCOMPARE(board[0]["actionable"].toBool(), true);
         QCOMPARE(board[0]["displayName"].toString(), QStringLiteral("__pycache__"));
         QVERIFY(board[0]["path"].toString().endsWith(QStringLiteral("/a/__pycache__")));
@@ -118,7 +121,8 @@ private Q_SLOTS:
         Scanner scanner;
         const NodePtr root = scanner.scan(tree().toStdString());
         const auto childrenAt = [&](int depth) {
-            const QJsonDocument d = QJsonDocument::fromJson(QByteArray::fromStdString(Report::json({root, {}, {}, {}}, depth)));
+            const QJsonDocument d = QJsonDocument::fromJson(
+                QByteArray::fromStdString(Report::json({root, {}, {}, {}}, depth)));
             return d["root"].toObject();
         };
         QVERIFY(!childrenAt(0).contains(QStringLiteral("children")));
@@ -130,15 +134,17 @@ private Q_SLOTS:
 
     void commandLineReports()
     {
-        const Run json = dustmere({QStringLiteral("--scan=") + QFile::decodeName(tree()) + QStringLiteral("/"),
-                                   QStringLiteral("--report=json"), QStringLiteral("--depth=1")});
+        const Run json =
+            dustmere({QStringLiteral("--scan=") + QFile::decodeName(tree()) + QStringLiteral("/"),
+                      QStringLiteral("--report=json"), QStringLiteral("--depth=1")});
         QCOMPARE(json.exitCode, 0);
         QVERIFY(json.err.isEmpty()); // no progress line when stderr is not a terminal
         const QJsonObject r = QJsonDocument::fromJson(json.out)["root"].toObject();
         QCOMPARE(r["name"].toString(), QStringLiteral("tree"));
         QCOMPARE(r["path"].toString(), QFile::decodeName(tree()));
 
-        const Run text = dustmere({QStringLiteral("--scan=") + QFile::decodeName(tree()), QStringLiteral("--report")});
+        const Run text = dustmere(
+            {QStringLiteral("--scan=") + QFile::decodeName(tree()), QStringLiteral("--report")});
         QCOMPARE(text.exitCode, 0);
         const QList<QByteArray> lines = text.out.split('\n');
         QVERIFY(lines[0].endsWith(" · " + tree()));
@@ -153,10 +159,14 @@ private Q_SLOTS:
     {
         QTest::addColumn<QStringList>("args");
         const QString t = QFile::decodeName(tree());
-        QTest::newRow("missing") << QStringList{QStringLiteral("--scan=") + t + QStringLiteral("/nope"), QStringLiteral("--report")};
-        QTest::newRow("a file") << QStringList{QStringLiteral("--scan=") + t + QStringLiteral("/big"), QStringLiteral("--report=json")};
+        QTest::newRow("missing") << QStringList{
+            QStringLiteral("--scan=") + t + QStringLiteral("/nope"), QStringLiteral("--report")};
+        QTest::newRow("a file") << QStringList{QStringLiteral("--scan=") + t +
+                                                   QStringLiteral("/big"),
+                                               QStringLiteral("--report=json")};
         QTest::newRow("format") << QStringList{QStringLiteral("--report=xml")};
-        QTest::newRow("depth") << QStringList{QStringLiteral("--report=json"), QStringLiteral("--depth=-1")};
+        QTest::newRow("depth") << QStringList{QStringLiteral("--report=json"),
+                                              QStringLiteral("--depth=-1")};
         QTest::newRow("unknown") << QStringList{QStringLiteral("--frobnicate")};
     }
 
@@ -178,6 +188,26 @@ private Q_SLOTS:
         const Run version = dustmere({QStringLiteral("--version")});
         QCOMPARE(version.exitCode, 0);
         QVERIFY(version.out.startsWith("dustmere "));
+    }
+
+    void withADisplayTheWindowModuleRuns()
+    {
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("DISPLAY"), QStringLiteral(":404"));
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        QProcess p;
+        p.setProcessEnvironment(env);
+        p.start(qEnvironmentVariable("DUSTMERE_BINARY"), {QStringLiteral("--appearance=dark")});
+        QVERIFY(p.waitForStarted());
+        // A window keeps running; a module that cannot be loaded ends at once with a message.
+        QVERIFY2(!p.waitForFinished(1500), p.readAllStandardError().constData());
+        p.terminate();
+        QVERIFY(p.waitForFinished(10'000));
+        QVERIFY(!p.readAllStandardError().contains("cannot load the window"));
+
+        const Run missing = dustmere({QStringLiteral("--scan=/nonexistent/dustmere")}, env);
+        QCOMPARE(missing.exitCode, 2);
+        QCOMPARE(missing.err, QByteArray("dustmere: no such folder: /nonexistent/dustmere\n"));
     }
 
     void withoutADisplayTheHomeFolderIsReported()

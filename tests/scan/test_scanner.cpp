@@ -8,7 +8,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-
 #include <future>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -131,8 +130,8 @@ private Q_SLOTS:
         QCOMPARE(root->child("many")->files(), 5000);
         QCOMPARE(root->child("empty top")->size(), 0u);
         // Each hard link counts.
-        QCOMPARE(root->child("beta")->looseSize(), allocated(m_tree + "/beta/second link") +
-                                                       m_bigBytes + m_almostBigBytes);
+        QCOMPARE(root->child("beta")->looseSize(),
+                 allocated(m_tree + "/beta/second link") + m_bigBytes + m_almostBigBytes);
     }
 
     void bigFilesAtTheThreshold()
@@ -142,7 +141,8 @@ private Q_SLOTS:
         Scanner scanner;
         QVERIFY(scanner.scan(m_tree.toStdString()));
         std::vector<BigFile> big = scanner.bigFiles();
-        std::sort(big.begin(), big.end(), [](const BigFile &a, const BigFile &b) { return a.path < b.path; });
+        std::sort(big.begin(), big.end(),
+                  [](const BigFile &a, const BigFile &b) { return a.path < b.path; });
         QCOMPARE(big.size(), 2u);
         QCOMPARE(big[0].path, (m_tree + "/beta/big").toStdString());
         QCOMPARE(big[0].size, m_bigBytes);
@@ -184,7 +184,8 @@ private Q_SLOTS:
             }
         }
         Scanner scanner;
-        auto result = std::async(std::launch::async, [&] { return scanner.scan(wide.toStdString()); });
+        auto result =
+            std::async(std::launch::async, [&] { return scanner.scan(wide.toStdString()); });
         while (scanner.progress().files < Scanner::progressBatch &&
                result.wait_for(std::chrono::milliseconds(0)) != std::future_status::ready) {
         }
@@ -229,7 +230,8 @@ private Q_SLOTS:
         if (p.exitCode() != 0 && p.readAllStandardError().contains("setpriv"))
             QSKIP("setpriv cannot switch users here");
         QCOMPARE(p.exitCode(), 0);
-        const QJsonObject root = QJsonDocument::fromJson(p.readAllStandardOutput())["root"].toObject();
+        const QJsonObject root =
+            QJsonDocument::fromJson(p.readAllStandardOutput())["root"].toObject();
         QJsonObject locked, open;
         for (const QJsonValue v : root["children"].toArray()) {
             (v["name"] == QStringLiteral("locked") ? locked : open) = v.toObject();

@@ -64,7 +64,8 @@ private Q_SLOTS:
     void initialState()
     {
         const auto model = makeModel();
-        QCOMPARE(model->scanPath(), QFile::encodeName(TestSandbox::instance()->home()).toStdString());
+        QCOMPARE(model->scanPath(),
+                 QFile::encodeName(TestSandbox::instance()->home()).toStdString());
         QVERIFY(!model->root() && !model->current() && !model->scanning());
         QCOMPARE(model->metric(), Metric::size);
         QCOMPARE(model->mode(), Mode::map);
@@ -95,7 +96,8 @@ private Q_SLOTS:
         QVERIFY(model->bountyPaths().contains((home + "/.cache").toStdString()));
         QCOMPARE(m_played, std::vector<Sound::Sfx>{Sound::Sfx::scanDone()});
         QVERIFY(m_game->unlocked().contains(QStringLiteral("first_scan")));
-        QTRY_VERIFY(!m_toasts.empty() && m_toasts.back().title == QStringLiteral("1 bounties posted"));
+        QTRY_VERIFY(!m_toasts.empty() &&
+                    m_toasts.back().title == QStringLiteral("1 bounties posted"));
         QCOMPARE(m_toasts.back().emoji, QStringLiteral("💰"));
         QCOMPARE(m_toasts.back().subtitle,
                  QStringLiteral("Up to %1 you could reclaim").arg(Fmt::bytes(cache)));
@@ -193,7 +195,8 @@ private Q_SLOTS:
         model->go(b, *m_game);
         model->go(b, *m_game); // same node: nothing
         model->go(model->root(), *m_game);
-        QCOMPARE(m_played, (std::vector<Sound::Sfx>{Sound::Sfx::dive(), Sound::Sfx::dive(), Sound::Sfx::up()}));
+        QCOMPARE(m_played, (std::vector<Sound::Sfx>{Sound::Sfx::dive(), Sound::Sfx::dive(),
+                                                    Sound::Sfx::up()}));
         QVERIFY(m_game->hasSeen(b->path()));
 
         model->up(); // at the root: nothing

@@ -7,7 +7,6 @@
 
 #include <QProcess>
 #include <QSignalSpy>
-
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -27,7 +26,10 @@ bool exists(const std::string &path)
 class RefusingTrash : public TrashCan
 {
 public:
-    Result moveToTrash(const std::string &) override { return Failed{QStringLiteral("The platform says no.")}; }
+    Result moveToTrash(const std::string &) override
+    {
+        return Failed{QStringLiteral("The platform says no.")};
+    }
 };
 
 Advice adviceFor(const NodePtr &node, bool actionable = true)
@@ -165,22 +167,26 @@ private Q_SLOTS:
         m_model->go(e, *m_game);
         const NodePtr ghost = at("g");
         removeTree(tree + "/g"); // gone from disk: its move will fail
-        std::vector<Advice> items = {adviceFor(nullptr), adviceFor(at("d"), false), adviceFor(ghost),
-                                     adviceFor(e), adviceFor(at("f"))};
+        std::vector<Advice> items = {adviceFor(nullptr), adviceFor(at("d"), false),
+                                     adviceFor(ghost), adviceFor(e), adviceFor(at("f"))};
         m_model->setAdvice(items);
         m_played.clear();
 
         m_model->slayAll(items, *m_game);
         QVERIFY(!exists(m_root + "/e") && !exists(m_root + "/f"));
         QVERIFY(exists(m_root + "/d"));
-        QCOMPARE(m_played, (std::vector<Sound::Sfx>{Sound::Sfx::slay(Tier::microbe), Sound::Sfx::denied()}));
-        QCOMPARE(m_model->error(),
-                 std::optional(QStringLiteral("1 item couldn't be moved to the Trash (macOS or another app protects them).")));
-        QTRY_VERIFY(std::any_of(m_toasts.begin(), m_toasts.end(),
-                                [](const Toast &t) { return t.title == QStringLiteral("Swept 2 monsters!"); }));
+        QCOMPARE(m_played,
+                 (std::vector<Sound::Sfx>{Sound::Sfx::slay(Tier::microbe), Sound::Sfx::denied()}));
+        QCOMPARE(
+            m_model->error(),
+            std::optional(QStringLiteral(
+                "1 item couldn't be moved to the Trash (macOS or another app protects them).")));
+        QTRY_VERIFY(std::any_of(m_toasts.begin(), m_toasts.end(), [](const Toast &t) {
+            return t.title == QStringLiteral("Swept 2 monsters!");
+        }));
         QVERIFY(!m_model->root()->child("e") && !m_model->root()->child("f"));
         QVERIFY(m_model->root()->child("d") && m_model->root()->child("g"));
-        QCOMPARE(m_model->advice().size(), 3u); // the skipped and the failed ones stay
+        QCOMPARE(m_model->advice().size(), 3u);        // the skipped and the failed ones stay
         QCOMPARE(m_model->current(), m_model->root()); // stood in e: stepped back out
         QVERIFY(!m_model->dying());
     }
@@ -205,19 +211,23 @@ private Q_SLOTS:
     void protectedItems()
     {
         const std::string home = QFile::encodeName(TestSandbox::instance()->home()).toStdString();
-        for (const std::string &p : std::initializer_list<std::string>{"/", "/Users", "/home", "/Library/Caches", "/private/var/tmp", "/usr/local",
-                                    "/etc/ssh", "/var/lib", "/root/x", "/proc/1"}) {
+        for (const std::string &p : std::initializer_list<std::string>{
+                 "/", "/Users", "/home", "/Library/Caches", "/private/var/tmp", "/usr/local",
+                 "/etc/ssh", "/var/lib", "/root/x", "/proc/1"}) {
             QVERIFY2(!m_model->canSlay(p), p.c_str());
         }
-        for (const std::string &p : std::initializer_list<std::string>{home, home + "/Documents", home + "/Downloads", home + "/.local",
-                                    home + "/.config", home + "/Videos"}) {
+        for (const std::string &p : std::initializer_list<std::string>{
+                 home, home + "/Documents", home + "/Downloads", home + "/.local",
+                 home + "/.config", home + "/Videos"}) {
             QVERIFY2(!m_model->canSlay(p), p.c_str());
         }
-        const std::string sandbox = QFile::encodeName(TestSandbox::instance()->root()).toStdString();
+        const std::string sandbox =
+            QFile::encodeName(TestSandbox::instance()->root()).toStdString();
         QVERIFY(!m_model->canSlay(sandbox)); // an ancestor of home
         QVERIFY(!m_model->canSlay(FreedesktopTrash::homeTrash()));
-        for (const std::string &p : std::initializer_list<std::string>{home + "/Documents/old", home + "/Library/Caches", std::string("/Applications/Some.app"),
-                                    home + "/.local/share"}) {
+        for (const std::string &p : std::initializer_list<std::string>{
+                 home + "/Documents/old", home + "/Library/Caches",
+                 std::string("/Applications/Some.app"), home + "/.local/share"}) {
             QVERIFY2(m_model->canSlay(p), p.c_str());
         }
         const QByteArray saved = qgetenv("XDG_DATA_HOME");
@@ -245,7 +255,8 @@ private Q_SLOTS:
         makeFile(tree + "/disk/cache/blob", 8192);
         scan(tree);
         m_model->slay(at("disk/cache"), *m_game);
-        const std::string own = m_root + "/disk/.Trash-" + std::to_string(getuid()) + "/files/cache";
+        const std::string own =
+            m_root + "/disk/.Trash-" + std::to_string(getuid()) + "/files/cache";
         const bool moved = exists(own + "/blob");
         const bool noted = m_game->trashed().count(own) == 1;
         QTRY_VERIFY(!m_model->dying());
@@ -260,8 +271,9 @@ private Q_SLOTS:
             // Root ignores permissions: run this same test as nobody.
             QProcess child;
             child.start(QStringLiteral("setpriv"),
-                        {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups"),
-                         QCoreApplication::applicationFilePath(), QStringLiteral("aReadOnlyParentFailsForAnOrdinaryUser")});
+                        {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
+                         QStringLiteral("--clear-groups"), QCoreApplication::applicationFilePath(),
+                         QStringLiteral("aReadOnlyParentFailsForAnOrdinaryUser")});
             QVERIFY(child.waitForFinished(120'000));
             const QByteArray out = child.readAllStandardOutput() + child.readAllStandardError();
             if (child.exitCode() != 0 && !out.contains("Totals"))
@@ -281,7 +293,8 @@ private Q_SLOTS:
         m_model->slay(at("p/__pycache__"), *m_game);
         chmod(tree + "/p", 0755);
         QVERIFY(m_model->error().has_value());
-        QVERIFY2(m_model->error()->contains(QStringLiteral("Permission denied")), qPrintable(*m_model->error()));
+        QVERIFY2(m_model->error()->contains(QStringLiteral("Permission denied")),
+                 qPrintable(*m_model->error()));
         QVERIFY(exists(m_root + "/p/__pycache__/blob"));
         QCOMPARE(m_model->root()->size(), size);
         QCOMPARE(m_model->advice().size(), 1u);

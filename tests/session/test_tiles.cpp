@@ -4,8 +4,8 @@
 namespace {
 
 // A finished folder whose children have the given (bytes, files) numbers.
-NodePtr level(const std::vector<std::pair<std::uint64_t, int>> &children, std::uint64_t looseBytes = 0,
-              int looseFiles = 0)
+NodePtr level(const std::vector<std::pair<std::uint64_t, int>> &children,
+              std::uint64_t looseBytes = 0, int looseFiles = 0)
 {
     NodePtr parent = Node::create("current");
     int i = 0;
@@ -66,7 +66,8 @@ private Q_SLOTS:
 
         QCOMPARE(makeTiles(current.get(), Metric::size, 150).size(), 151u); // exactly the limit
         const std::vector<Tile> none = makeTiles(current.get(), Metric::size, 0);
-        QCOMPARE(names(none), (QStringList{QStringLiteral("150 smaller folders"), QStringLiteral("Loose files")}));
+        QCOMPARE(names(none), (QStringList{QStringLiteral("150 smaller folders"),
+                                           QStringLiteral("Loose files")}));
         const std::vector<Tile> one = makeTiles(current.get(), Metric::size, 149);
         QCOMPARE(one[149].name, std::string("1 smaller folders"));
     }
@@ -76,12 +77,13 @@ private Q_SLOTS:
         // 5 GB in empty sub-folders but no files, then two folders with equal file counts.
         const NodePtr current = level({{5'000'000'000, 0}, {300, 4}, {200, 4}, {100, 9}}, 0, 0);
         const std::vector<Tile> all = makeTiles(current.get(), Metric::files, 10);
-        QCOMPARE(names(all), (QStringList{QStringLiteral("f3"), QStringLiteral("f1"), QStringLiteral("f2")}));
+        QCOMPARE(names(all),
+                 (QStringList{QStringLiteral("f3"), QStringLiteral("f1"), QStringLiteral("f2")}));
         QCOMPARE(all[0].value, 9.0);
 
         const std::vector<Tile> limited = makeTiles(current.get(), Metric::files, 2);
         QCOMPARE(names(limited), (QStringList{QStringLiteral("f3"), QStringLiteral("f1"),
-                                             QStringLiteral("2 smaller folders")}));
+                                              QStringLiteral("2 smaller folders")}));
         QCOMPARE(limited[2].value, 4.0); // the empty folder adds a count, not a value
         QCOMPARE(Metrics::format(Metric::files, 12345.9), QStringLiteral("12,345 files"));
         QCOMPARE(Metrics::format(Metric::size, 1.5e9), QStringLiteral("1.5 GB"));

@@ -25,14 +25,14 @@ private:
     QTemporaryDir m_dir;
 };
 
-#define DUSTMERE_TEST_MAIN_WITH(AppType, TestObject)                                              \
-    int main(int argc, char *argv[])                                                              \
-    {                                                                                             \
-        TestSandbox sandbox;                                                                      \
-        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));                    \
-        AppType app(argc, argv);                                                                  \
-        TestObject tc;                                                                            \
-        return QTest::qExec(&tc, argc, argv);                                                     \
+#define DUSTMERE_TEST_MAIN_WITH(AppType, TestObject)                                               \
+    int main(int argc, char *argv[])                                                               \
+    {                                                                                              \
+        TestSandbox sandbox;                                                                       \
+        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));                     \
+        AppType app(argc, argv);                                                                   \
+        TestObject tc;                                                                             \
+        return QTest::qExec(&tc, argc, argv);                                                      \
     }
 
 #define DUSTMERE_TEST_MAIN(TestObject) DUSTMERE_TEST_MAIN_WITH(QCoreApplication, TestObject)

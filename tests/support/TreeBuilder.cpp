@@ -1,10 +1,8 @@
 #include "support/TreeBuilder.h"
 
+#include <QDir>
 #include <QProcess>
 #include <QTest>
-
-#include <QDir>
-
 #include <fcntl.h>
 #include <ftw.h>
 #include <sys/stat.h>
@@ -100,10 +98,10 @@ void removeTree(const QByteArray &root)
 Totals findTotals(const QByteArray &root)
 {
     QProcess find;
-    find.start(QStringLiteral("find"), {QFile::decodeName(root), QStringLiteral("-xdev"),
-                                        QStringLiteral("-not"), QStringLiteral("-type"),
-                                        QStringLiteral("d"), QStringLiteral("-printf"),
-                                        QStringLiteral("%b\\n")});
+    find.start(QStringLiteral("find"),
+               {QFile::decodeName(root), QStringLiteral("-xdev"), QStringLiteral("-not"),
+                QStringLiteral("-type"), QStringLiteral("d"), QStringLiteral("-printf"),
+                QStringLiteral("%b\\n")});
     if (!find.waitForFinished(300'000))
         qFatal("find did not finish");
     Totals t;
