@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdio>
 #include <future>
+#include <mutex>
 #include <unistd.h>
 
 namespace {
@@ -27,6 +28,17 @@ int runHeadlessReport(const std::string &path, CommandLine::ReportFormat format,
                       std::optional<int> depth)
 {
     Scanner scanner;
+    // Each finished top-level folder is written while the others are still being walked.
+    std::mutex fragmentsLock;
+    Report::Fragments fragments;
+    const bool json = format == CommandLine::ReportFormat::json;
+    if (json) {
+        scanner.setOnFolderFinished([&fragmentsLock, &fragments, depth](const Node &folder) {
+            std::string text = Report::jsonFragment(folder, depth);
+            std::lock_guard guard(fragmentsLock);
+            fragments.emplace(&folder, std::move(text));
+        });
+    }
     auto result = std::async(std::launch::async, [&scanner, &path] { return scanner.scan(path); });
     const bool terminal = isatty(STDERR_FILENO);
     while (result.wait_for(std::chrono::milliseconds(150)) != std::future_status::ready) {
@@ -42,8 +54,7 @@ int runHeadlessReport(const std::string &path, CommandLine::ReportFormat format,
     const Advisor::Context context;
     input.advice = Advisor::advise(input.root, input.bigFiles, context);
     input.home = context.home;
-    const std::string out = format == CommandLine::ReportFormat::json ? Report::json(input, depth)
-                                                                      : Report::text(input);
+    const std::string out = json ? Report::json(input, depth, &fragments) : Report::text(input);
     std::fwrite(out.data(), 1, out.size(), stdout);
     return std::fflush(stdout) == 0 ? 0 : 1;
 }

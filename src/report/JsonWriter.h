@@ -19,6 +19,13 @@ public:
     // name must be plain ASCII without quotes or backslashes.
     void key(std::string_view name);
     void reserve(std::size_t bytes) { m_out.reserve(bytes); }
+    // A complete value written elsewhere by the same rules.
+    void raw(std::string_view json)
+    {
+        separate();
+        m_out += json;
+        m_needComma = true;
+    }
     void value(std::string_view bytes);
     void value(const QString &text);
     void value(const char *text) { value(std::string_view(text)); }

@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 // The headless report of a finished scan, as text for a terminal or as one JSON object.
@@ -20,8 +21,14 @@ struct Input
     std::string home;           // for the advice's short names
 };
 
+// Top-level folders already written as JSON, so the writing overlaps the walk of the others.
+using Fragments = std::unordered_map<const Node *, std::string>;
+
 // depth limits how many levels of children the JSON tree carries; none means all.
-[[nodiscard]] std::string json(const Input &input, std::optional<int> depth = std::nullopt);
+[[nodiscard]] std::string json(const Input &input, std::optional<int> depth = std::nullopt,
+                               const Fragments *fragments = nullptr);
+// One top-level folder of the root as the JSON that json() would write for it.
+[[nodiscard]] std::string jsonFragment(const Node &folder, std::optional<int> depth);
 [[nodiscard]] std::string text(const Input &input);
 
 // The advice as the bounty board shows it: safe, then rebuild, then review, each in list order.

@@ -26,7 +26,8 @@ private:
 };
 
 // depthLeft < 0 means no limit.
-void writeNode(JsonWriter &w, PlaceNames &places, const Node &node, bool isRoot, int depthLeft)
+void writeNode(JsonWriter &w, PlaceNames &places, const Node &node, bool isRoot, int depthLeft,
+               const Report::Fragments *fragments = nullptr)
 {
     w.beginObject();
     w.key("name");
@@ -51,8 +52,14 @@ void writeNode(JsonWriter &w, PlaceNames &places, const Node &node, bool isRoot,
         const int next = depthLeft < 0 ? depthLeft : depthLeft - 1;
         w.key("children");
         w.beginArray();
-        for (const NodePtr &child : node.children())
-            writeNode(w, places, *child, false, next);
+        for (const NodePtr &child : node.children()) {
+            const auto done =
+                fragments ? fragments->find(child.get()) : Report::Fragments::const_iterator();
+            if (fragments && done != fragments->end())
+                w.raw(done->second);
+            else
+                writeNode(w, places, *child, false, next);
+        }
         w.endArray();
     }
     w.endObject();
@@ -90,7 +97,16 @@ const char *Report::safetyKey(Advice::Safety safety)
     return keys[Safeties::index(safety)];
 }
 
-std::string Report::json(const Input &input, std::optional<int> depth)
+std::string Report::jsonFragment(const Node &folder, std::optional<int> depth)
+{
+    JsonWriter w;
+    PlaceNames places;
+    const int left = depth ? std::max(*depth - 1, 0) : -1;
+    writeNode(w, places, folder, false, left);
+    return w.take();
+}
+
+std::string Report::json(const Input &input, std::optional<int> depth, const Fragments *fragments)
 {
     JsonWriter w;
     std::size_t folders = 0;
@@ -99,7 +115,7 @@ std::string Report::json(const Input &input, std::optional<int> depth)
     PlaceNames places;
     w.beginObject();
     w.key("root");
-    writeNode(w, places, *input.root, true, depth.value_or(-1));
+    writeNode(w, places, *input.root, true, depth.value_or(-1), fragments);
     w.key("bigFiles");
     w.beginArray();
     for (const BigFile &f : input.bigFiles) {

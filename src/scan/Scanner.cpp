@@ -109,6 +109,8 @@ NodePtr Scanner::scan(const std::string &path)
             const std::string folderPath = folder->path();
             if (!skipped.contains(folderPath) && !scanSubtree(*folder, folderPath))
                 return;
+            if (m_onFolderFinished)
+                m_onFolderFinished(*folder);
             std::lock_guard guard(m_lock);
             m_completed.push_back(folder);
         });

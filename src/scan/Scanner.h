@@ -4,6 +4,7 @@
 #include "scan/Node.h"
 
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -35,6 +36,12 @@ public:
 
     // The finished root, or nullptr when the scan was cancelled.
     [[nodiscard]] NodePtr scan(const std::string &path);
+    // Called on the worker thread with each top-level folder whose subtree is finished, before it
+    // is listed as completed; the folder is not changed any more. Set before scan().
+    void setOnFolderFinished(std::function<void(const Node &)> callback)
+    {
+        m_onFolderFinished = std::move(callback);
+    }
     // Walks one top-level folder; false when the walk stopped because the scan was cancelled.
     bool scanSubtree(Node &node, const std::string &path);
 
@@ -45,4 +52,5 @@ private:
     bool m_cancelled = false;
     std::vector<BigFile> m_bigFiles;
     std::vector<NodePtr> m_completed;
+    std::function<void(const Node &)> m_onFolderFinished;
 };

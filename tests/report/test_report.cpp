@@ -10,6 +10,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <mutex>
 
 using namespace TreeBuilder;
 
@@ -114,6 +115,25 @@ private Q_SLOTS:
         const QJsonObject big = doc["bigFiles"].toArray().at(0).toObject();
         QCOMPARE(big["modified"].toInteger(), 1'700'000'000);
         QVERIFY(big["path"].toString().endsWith(QStringLiteral("/big")));
+    }
+
+    void fragmentsWrittenDuringTheWalkChangeNothing()
+    {
+        for (const std::optional<int> depth :
+             {std::optional<int>(), std::optional<int>(0), std::optional<int>(2)}) {
+            Scanner scanner;
+            Report::Fragments fragments;
+            std::mutex lock;
+            scanner.setOnFolderFinished([&](const Node &folder) {
+                std::string text = Report::jsonFragment(folder, depth);
+                std::lock_guard guard(lock);
+                fragments.emplace(&folder, std::move(text));
+            });
+            const NodePtr root = scanner.scan(tree().toStdString());
+            QCOMPARE(fragments.size(), root->children().size());
+            const Report::Input input{root, scanner.bigFiles(), {}, {}};
+            QCOMPARE(Report::json(input, depth, &fragments), Report::json(input, depth));
+        }
     }
 
     void depthLimitsChildren()
