@@ -144,7 +144,7 @@ void Model::scan(Game &game)
     setProgress({});
     m_timer.start();
 
-    const Advisor::Context context = m_advisorContext ? m_advisorContext() : Advisor::Context{};
+    const Advisor::Context context;
     QPointer<Game> weakGame(&game);
     QtConcurrent::run([scanner, path, context] {
         ScanResult result;

@@ -128,11 +128,6 @@ public:
     void play(const Sound::Sfx &sfx) const;
     void setSoundPlayer(SoundPlayer play) { m_play = std::move(play); }
     void setFolderChooser(FolderChooser chooser) { m_chooseFolder = std::move(chooser); }
-    // Lets tests pin the home folder, clock and Trash the advisor sees.
-    void setAdvisorContext(std::function<Advisor::Context()> context)
-    {
-        m_advisorContext = std::move(context);
-    }
     void setTrashCan(std::unique_ptr<TrashCan> trash) { m_trash = std::move(trash); }
     void setDesktop(std::unique_ptr<Desktop> desktop) { m_desktop = std::move(desktop); }
     void setDeathDuration(std::chrono::milliseconds d) { m_deathDuration = d; }
@@ -196,7 +191,6 @@ private:
 
     SoundPlayer m_play;
     FolderChooser m_chooseFolder;
-    std::function<Advisor::Context()> m_advisorContext;
     std::unique_ptr<TrashCan> m_trash;
     std::unique_ptr<Desktop> m_desktop;
     std::chrono::milliseconds m_deathDuration{550};
