@@ -144,9 +144,8 @@ bool Scanner::scanSubtree(Node &node, const std::string &path)
             Node *folder = &node;
             if (entry->fts_level != 0) {
                 Node *parent = stack.back();
-                NodePtr child =
-                    std::make_shared<Node>(std::string(entry->fts_name, entry->fts_namelen));
-                child->setParent(parent->shared_from_this());
+                NodePtr child = Node::create(std::string(entry->fts_name, entry->fts_namelen),
+                                             parent->shared_from_this());
                 folder = child.get();
                 parent->appendChild(std::move(child));
             }

@@ -15,14 +15,6 @@ QByteArray sandbox(const char *sub)
     return QFile::encodeName(TestSandbox::instance()->root()) + '/' + sub;
 }
 
-NodePtr child(const NodePtr &parent, const std::string &name)
-{
-    NodePtr c = Node::create(name, parent);
-    c->finish();
-    parent->appendChild(c);
-    return c;
-}
-
 } // namespace
 
 class TestModel : public QObject
@@ -230,7 +222,7 @@ private Q_SLOTS:
     {
         NodePtr slash = Node::create(Node::rootName("/"));
         slash->setBasePath("/");
-        const NodePtr bob = child(child(slash, "Users"), "bob");
+        const NodePtr bob = addFolder(addFolder(slash, "Users"), "bob");
         QCOMPARE(Model::find(slash, "/Users/bob"), bob);
         QCOMPARE(Model::find(slash, "/"), slash);
         QCOMPARE(Model::find(slash, "/Users//bob/"), bob);
@@ -238,7 +230,7 @@ private Q_SLOTS:
 
         NodePtr home = Node::create("bob");
         home->setBasePath("/Users/bob");
-        const NodePtr docs = child(home, "Docs");
+        const NodePtr docs = addFolder(home, "Docs");
         QVERIFY(!Model::find(home, "/Users/bobby"));
         QVERIFY(!Model::find(home, "/Users"));
         QCOMPARE(Model::find(home, "/Users/bob/Docs"), docs);

@@ -95,6 +95,16 @@ void removeTree(const QByteArray &root)
         32, FTW_DEPTH | FTW_PHYS | FTW_MOUNT);
 }
 
+NodePtr addFolder(const NodePtr &parent, const std::string &name, std::uint64_t looseBytes)
+{
+    NodePtr n = Node::create(name, parent);
+    if (looseBytes > 0)
+        n->addLoose(looseBytes);
+    n->finish();
+    parent->appendChild(n);
+    return n;
+}
+
 Totals findTotals(const QByteArray &root)
 {
     QProcess find;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "scan/Node.h"
+
 #include <QByteArray>
 #include <QString>
 #include <cstdint>
@@ -22,6 +24,10 @@ void setModified(const QByteArray &path, std::time_t when);
 // Removes a test's own folder tree, whatever bytes its names hold. Refuses anything outside the
 // temporary folder and never crosses into another mounted file system.
 void removeTree(const QByteArray &root);
+
+// A finished folder node with `looseBytes` in one loose file (none for 0), appended to parent:
+// for trees built in memory rather than on disk.
+NodePtr addFolder(const NodePtr &parent, const std::string &name, std::uint64_t looseBytes = 0);
 
 // Sum of st_blocks × 512 and count of every non-folder entry below root on root's device, as
 // `find -xdev` sees them: an independent measure to compare the scanner against.

@@ -2,6 +2,7 @@
 #include "platform/Appearance.h"
 #include "session/Model.h"
 #include "support/TestSandbox.h"
+#include "support/TreeBuilder.h"
 #include "world/ManualClock.h"
 #include "world/Player.h"
 #include "world/ui/MonsterGlyph.h"
@@ -16,15 +17,6 @@
 
 namespace {
 
-NodePtr folder(const NodePtr &parent, const std::string &name, std::uint64_t bytes)
-{
-    NodePtr n = Node::create(name, parent);
-    n->addLoose(bytes);
-    n->finish();
-    parent->appendChild(n);
-    return n;
-}
-
 // A level whose first folders span every tier, then a tail of small ones.
 NodePtr sampleLevel()
 {
@@ -33,9 +25,9 @@ NodePtr sampleLevel()
     const std::uint64_t big[] = {90'000'000'000ULL, 40'000'000'000ULL, 9'000'000'000ULL,
                                  900'000'000ULL, 90'000'000ULL};
     for (int i = 0; i < 5; ++i)
-        folder(root, "big" + std::to_string(i), big[i]);
+        TreeBuilder::addFolder(root, "big" + std::to_string(i), big[i]);
     for (int i = 0; i < 20; ++i)
-        folder(root, "small" + std::to_string(i), 20'000'000ULL + 1'000'000ULL * i);
+        TreeBuilder::addFolder(root, "small" + std::to_string(i), 20'000'000ULL + 1'000'000ULL * i);
     root->finish();
     return root;
 }

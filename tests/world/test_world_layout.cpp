@@ -1,5 +1,6 @@
 #include "game/Djb2.h"
 #include "support/TestSandbox.h"
+#include "support/TreeBuilder.h"
 #include "world/SplitMix64.h"
 #include "world/WorldLayout.h"
 
@@ -8,22 +9,14 @@
 
 namespace {
 
-NodePtr folder(const NodePtr &parent, const std::string &name, std::uint64_t bytes)
-{
-    NodePtr n = Node::create(name, parent);
-    n->addLoose(bytes);
-    n->finish();
-    parent->appendChild(n);
-    return n;
-}
-
 // A level of 24 folders of assorted sizes plus loose files, under /home/ada.
 NodePtr sampleLevel()
 {
     NodePtr root = Node::create("ada");
     root->setBasePath("/home/ada");
     for (int i = 0; i < 24; ++i)
-        folder(root, "dir" + std::to_string(i), 1'000'000ULL * (i * i * 37 % 101 + 1));
+        TreeBuilder::addFolder(root, "dir" + std::to_string(i),
+                               1'000'000ULL * (i * i * 37 % 101 + 1));
     root->addLoose(5'000'000);
     root->finish();
     return root;
@@ -143,7 +136,7 @@ private Q_SLOTS:
         QFETCH(int, clouds);
         NodePtr root = Node::create("r");
         root->setBasePath("/r");
-        folder(root, "only", 1000);
+        TreeBuilder::addFolder(root, "only", 1000);
         root->finish();
         const auto l =
             buildPlain(makeTiles(root.get(), Metric::size, 40), "/r", landSize + QSizeF(56, 56));
@@ -206,8 +199,8 @@ private Q_SLOTS:
     {
         NodePtr root = Node::create("u");
         root->setBasePath("/u");
-        folder(root, "Caches", 1'200'000'000);
-        folder(root, "Logs", 2'000'000);
+        TreeBuilder::addFolder(root, "Caches", 1'200'000'000);
+        TreeBuilder::addFolder(root, "Logs", 2'000'000);
         root->addLoose(10);
         root->finish();
         QStringList seen;
