@@ -36,6 +36,13 @@ std::variant<CommandLine, CommandLine::Error> CommandLine::parse(const QStringLi
                 return Error{
                     QStringLiteral("--depth needs a whole number of 0 or more, not '%1'").arg(*v)};
             cl.depth = depth;
+        } else if (const auto v = valueOf(arg, QLatin1StringView("--walker"))) {
+            if (*v == QLatin1StringView("shared"))
+                cl.walk = Scanner::Walk::shared;
+            else if (*v == QLatin1StringView("fts"))
+                cl.walk = Scanner::Walk::fts;
+            else
+                return Error{QStringLiteral("unknown walker '%1' (use shared or fts)").arg(*v)};
         } else if (const auto v = valueOf(arg, QLatin1StringView("--appearance"))) {
             if (*v == QLatin1StringView("light"))
                 cl.appearance = Appearance::light;
@@ -66,6 +73,8 @@ QString CommandLine::usage()
         "  --scan=PATH               scan PATH at start\n"
         "  --report[=text|json]      no window: scan, advise, print a report to stdout, exit\n"
         "  --depth=N                 with --report=json: how many levels of folders to include\n"
+        "  --walker=shared|fts       with --report: how folders are walked (both measure the\n"
+        "                            same; shared is faster, fts is the reference)\n"
         "  --appearance=light|dark   override the system appearance\n"
         "  --reduce-motion           keep animations to a minimum\n"
         "  --help                    show this help\n"

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "scan/Scanner.h"
+
 #include <QString>
 #include <QStringList>
 #include <optional>
@@ -14,6 +16,7 @@ struct CommandLine
     std::optional<QString> scanPath;
     std::optional<ReportFormat> report;
     std::optional<int> depth;
+    std::optional<Scanner::Walk> walk;
     Appearance appearance = Appearance::system;
     bool reduceMotion = false;
     bool help = false;

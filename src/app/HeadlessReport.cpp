@@ -25,9 +25,11 @@ void showProgress(const Scanner::Progress &p)
 } // namespace
 
 int runHeadlessReport(const std::string &path, CommandLine::ReportFormat format,
-                      std::optional<int> depth)
+                      std::optional<int> depth, std::optional<Scanner::Walk> walk)
 {
     Scanner scanner;
+    if (walk)
+        scanner.setWalk(*walk);
     // Each finished top-level folder is written while the others are still being walked.
     std::mutex fragmentsLock;
     Report::Fragments fragments;

@@ -96,6 +96,6 @@ int main(int argc, char *argv[])
     }
     if (cl.report || !hasDisplay())
         return runHeadlessReport(path, cl.report.value_or(CommandLine::ReportFormat::text),
-                                 cl.depth);
+                                 cl.depth, cl.walk);
     return runWindow(argc, argv, cl);
 }

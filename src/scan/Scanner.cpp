@@ -1,6 +1,6 @@
 #include "scan/Scanner.h"
 
-#include "platform/Mounts.h"
+#include "scan/SharedWalk.h"
 
 #include <QThread>
 #include <QThreadPool>
@@ -89,15 +89,26 @@ NodePtr Scanner::scan(const std::string &path)
         }
         closedir(dir);
     }
-    {
-        std::lock_guard guard(m_lock);
-        m_bigFiles.insert(m_bigFiles.end(), bigFiles.begin(), bigFiles.end());
-    }
+    reportBigFiles(std::move(bigFiles));
     add(root->looseFiles(), root->looseSize());
 
     // Virtual file systems hold no disk space; their folders stay empty nodes.
     const auto skipped = path == "/" ? Mounts::virtualMountPoints() : Mounts::PathSet{};
 
+    if (m_walk == Walk::shared)
+        SharedWalk(*this, QThread::idealThreadCount()).run(topLevel, skipped);
+    else
+        walkWithFts(topLevel, skipped);
+
+    if (cancelled())
+        return nullptr;
+    root->setChildren(std::move(topLevel));
+    root->finish();
+    return root;
+}
+
+void Scanner::walkWithFts(const std::vector<NodePtr> &topLevel, const Mounts::PathSet &skipped)
+{
     QThreadPool pool;
     pool.setMaxThreadCount(QThread::idealThreadCount());
     for (const NodePtr &folder : topLevel) {
@@ -109,19 +120,27 @@ NodePtr Scanner::scan(const std::string &path)
             const std::string folderPath = folder->path();
             if (!skipped.contains(folderPath) && !scanSubtree(*folder, folderPath))
                 return;
-            if (m_onFolderFinished)
-                m_onFolderFinished(*folder);
-            std::lock_guard guard(m_lock);
-            m_completed.push_back(folder);
+            reportCompleted(folder);
         });
     }
     pool.waitForDone();
+}
 
-    if (cancelled())
-        return nullptr;
-    root->setChildren(std::move(topLevel));
-    root->finish();
-    return root;
+void Scanner::reportCompleted(const NodePtr &folder)
+{
+    if (m_onFolderFinished)
+        m_onFolderFinished(*folder);
+    std::lock_guard guard(m_lock);
+    m_completed.push_back(folder);
+}
+
+void Scanner::reportBigFiles(std::vector<BigFile> files)
+{
+    if (files.empty())
+        return;
+    std::lock_guard guard(m_lock);
+    m_bigFiles.insert(m_bigFiles.end(), std::make_move_iterator(files.begin()),
+                      std::make_move_iterator(files.end()));
 }
 
 bool Scanner::scanSubtree(Node &node, const std::string &path)
@@ -190,10 +209,7 @@ bool Scanner::scanSubtree(Node &node, const std::string &path)
     }
     if (!stopped)
         add(pendingFiles, pendingBytes);
-    {
-        std::lock_guard guard(m_lock);
-        m_bigFiles.insert(m_bigFiles.end(), bigFiles.begin(), bigFiles.end());
-    }
+    reportBigFiles(std::move(bigFiles));
     fts_close(fts);
     return !stopped;
 }

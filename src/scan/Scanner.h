@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Mounts.h"
 #include "scan/BigFile.h"
 #include "scan/Node.h"
 
@@ -18,6 +19,10 @@ public:
     static constexpr std::uint64_t blockUnit = 512;
     static constexpr std::uint64_t bigFileThreshold = 25'000'000;
     static constexpr std::int64_t progressBatch = 2'000;
+
+    // How sub-folders are walked: one fts walk per top-level folder, or workers that share every
+    // sub-folder over directory descriptors. Both measure the same tree.
+    enum class Walk { fts, shared };
 
     struct Progress
     {
@@ -42,10 +47,21 @@ public:
     {
         m_onFolderFinished = std::move(callback);
     }
-    // Walks one top-level folder; false when the walk stopped because the scan was cancelled.
+    void setWalk(Walk walk) { m_walk = walk; }
+    [[nodiscard]] Walk walk() const { return m_walk; }
+
+    // Worker side: a top-level folder whose subtree is finished, and big files found.
+    void reportCompleted(const NodePtr &folder);
+    void reportBigFiles(std::vector<BigFile> files);
+
+    // Walks one top-level folder with fts; false when the walk stopped because the scan was
+    // cancelled.
     bool scanSubtree(Node &node, const std::string &path);
 
 private:
+    void walkWithFts(const std::vector<NodePtr> &topLevel, const Mounts::PathSet &skipped);
+
+    Walk m_walk = Walk::shared;
     mutable std::mutex m_lock;
     std::int64_t m_files = 0;
     std::uint64_t m_bytes = 0;

@@ -187,6 +187,8 @@ private Q_SLOTS:
         QTest::newRow("format") << QStringList{QStringLiteral("--report=xml")};
         QTest::newRow("depth") << QStringList{QStringLiteral("--report=json"),
                                               QStringLiteral("--depth=-1")};
+        QTest::newRow("walker") << QStringList{QStringLiteral("--report"),
+                                               QStringLiteral("--walker=bfs")};
         QTest::newRow("unknown") << QStringList{QStringLiteral("--frobnicate")};
     }
 

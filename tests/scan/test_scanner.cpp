@@ -44,6 +44,18 @@ void checkInvariants(Node &root)
     });
 }
 
+// Every test runs once for each way of walking.
+Scanner::Walk currentWalk()
+{
+    QFETCH_GLOBAL(bool, fts);
+    return fts ? Scanner::Walk::fts : Scanner::Walk::shared;
+}
+
+struct WalkingScanner : Scanner
+{
+    WalkingScanner() { setWalk(currentWalk()); }
+};
+
 bool mountTmpfs(const QByteArray &where)
 {
     return mount("tmpfs", where.constData(), "tmpfs", 0, "size=8m") == 0;
@@ -60,6 +72,13 @@ class TestScanner : public QObject
     std::uint64_t m_almostBigBytes = 0;
 
 private Q_SLOTS:
+    void initTestCase_data()
+    {
+        QTest::addColumn<bool>("fts");
+        QTest::newRow("shared walk") << false;
+        QTest::newRow("fts walk") << true;
+    }
+
     void initTestCase()
     {
         m_tree = sandboxPath("tree");
@@ -98,7 +117,7 @@ private Q_SLOTS:
 
     void measuresExactlyWhatFindSees()
     {
-        Scanner scanner;
+        WalkingScanner scanner;
         NodePtr root = scanner.scan(m_tree.toStdString());
         QVERIFY(root);
         QCOMPARE(root->basePath().value(), m_tree.toStdString());
@@ -138,7 +157,7 @@ private Q_SLOTS:
     {
         QVERIFY(m_bigBytes >= Scanner::bigFileThreshold);
         QVERIFY(m_almostBigBytes < Scanner::bigFileThreshold);
-        Scanner scanner;
+        WalkingScanner scanner;
         QVERIFY(scanner.scan(m_tree.toStdString()));
         std::vector<BigFile> big = scanner.bigFiles();
         std::sort(big.begin(), big.end(),
@@ -153,7 +172,7 @@ private Q_SLOTS:
 
     void unlistableRootIsAnEmptyTree()
     {
-        Scanner scanner;
+        WalkingScanner scanner;
         NodePtr root = scanner.scan((m_tree + "/does not exist").toStdString());
         QVERIFY(root);
         QCOMPARE(root->size(), 0u);
@@ -162,7 +181,7 @@ private Q_SLOTS:
 
     void cancelBeforeStartWalksNothing()
     {
-        Scanner scanner;
+        WalkingScanner scanner;
         scanner.cancel();
         QVERIFY(!scanner.scan(m_tree.toStdString()));
         QVERIFY(scanner.completed().empty());
@@ -183,7 +202,7 @@ private Q_SLOTS:
                     makeFile(sub + "/f" + QByteArray::number(f));
             }
         }
-        Scanner scanner;
+        WalkingScanner scanner;
         auto result =
             std::async(std::launch::async, [&] { return scanner.scan(wide.toStdString()); });
         while (scanner.progress().files < Scanner::progressBatch &&
@@ -225,7 +244,9 @@ private Q_SLOTS:
         p.start(QStringLiteral("setpriv"),
                 {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
                  QStringLiteral("--clear-groups"), qEnvironmentVariable("DUSTMERE_BINARY"),
-                 QStringLiteral("--scan=") + dir.path(), QStringLiteral("--report=json")});
+                 QStringLiteral("--scan=") + dir.path(), QStringLiteral("--report=json"),
+                 currentWalk() == Scanner::Walk::fts ? QStringLiteral("--walker=fts")
+                                                     : QStringLiteral("--walker=shared")});
         QVERIFY(p.waitForFinished(60'000));
         if (p.exitCode() != 0 && p.readAllStandardError().contains("setpriv"))
             QSKIP("setpriv cannot switch users here");
@@ -267,7 +288,7 @@ private Q_SLOTS:
         makeDir(tree + "/mounted top/sub");
         const std::uint64_t atTopSub = makeFile(tree + "/mounted top/sub/also", 8192);
 
-        Scanner scanner;
+        WalkingScanner scanner;
         const NodePtr root = scanner.scan(tree.toStdString());
         umount2(tree + "/top/deeper/mnt", MNT_DETACH);
         umount2(tree + "/mounted top", MNT_DETACH);
@@ -292,7 +313,7 @@ private Q_SLOTS:
         if (!points.contains("/proc"))
             QSKIP("/proc is not mounted here");
 
-        Scanner scanner;
+        WalkingScanner scanner;
         const NodePtr root = scanner.scan("/");
         QVERIFY(root);
         QCOMPARE(root->name(), std::string("Macintosh HD"));
