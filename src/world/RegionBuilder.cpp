@@ -72,7 +72,7 @@ Region RegionBuilder::build(const Tile &tile, const QRectF &rect)
         r.subtitle = parts.join(QStringLiteral(" · "));
     }
 
-    // `shape` uses no random draws; WorldLayout::build warps all outlines afterwards, in parallel.
+    // `shape` uses no random draws; WorldLayout::build warps all outlines in parallel.
     if (r.path) {
         r.explored = m_explored(*r.path);
         r.bounties = m_bounties(*r.path);

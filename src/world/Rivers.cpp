@@ -69,10 +69,11 @@ std::vector<QPainterPath> Rivers::trace(const std::vector<Region> &regions, cons
         const QPointF end = mouthFirst ? s.from : s.to;
         const QPointF delta = end - start;
         const int n = std::max(static_cast<int>(std::hypot(delta.x(), delta.y()) * 0.25), 2);
+        const std::vector<QPointF> course = warp.warpedSteps(start, end, n);
         QPainterPath river;
-        river.moveTo(warp(start));
-        for (int j = 1; j < n; ++j)
-            river.lineTo(warp(start + delta * (static_cast<double>(j) / n)));
+        river.moveTo(course.front());
+        for (std::size_t j = 1; j < course.size(); ++j)
+            river.lineTo(course[j]);
         river.lineTo(warp(end));
         rivers.push_back(river);
     }

@@ -7,10 +7,13 @@
 #include "world/Squarify.h"
 
 #include <QByteArray>
-#include <QtConcurrent/QtConcurrentMap>
+#include <QThreadPool>
 #include <QtConcurrent/QtConcurrentRun>
 #include <algorithm>
+#include <atomic>
 #include <bit>
+#include <functional>
+#include <utility>
 
 namespace {
 
@@ -47,6 +50,51 @@ public:
 
 private:
     std::uint64_t m_h = 0xCBF29CE484222325ULL;
+};
+
+// Runs job(0) … job(count − 1), each once, on pool threads and on the thread that calls
+// finish(), which returns when all are done. Jobs are taken in index order.
+class SharedJobs
+{
+public:
+    SharedJobs(std::size_t count, std::function<void(std::size_t)> job)
+        : m_count(count), m_job(std::move(job))
+    {
+        // One core is left for the caller.
+        const int helpers = std::max(QThreadPool::globalInstance()->maxThreadCount() - 1, 1);
+        for (int h = 0; h < helpers; ++h)
+            m_helpers.push_back(QtConcurrent::run([this] { work(); }));
+    }
+    SharedJobs(const SharedJobs &) = delete;
+    SharedJobs &operator=(const SharedJobs &) = delete;
+    ~SharedJobs()
+    {
+        m_next = m_count;
+        wait();
+    }
+
+    void finish()
+    {
+        work();
+        wait();
+    }
+
+private:
+    void work()
+    {
+        for (std::size_t i = m_next++; i < m_count; i = m_next++)
+            m_job(i);
+    }
+    void wait()
+    {
+        for (QFuture<void> &h : m_helpers)
+            h.waitForFinished();
+    }
+
+    std::size_t m_count;
+    std::function<void(std::size_t)> m_job;
+    std::atomic<std::size_t> m_next = 0;
+    std::vector<QFuture<void>> m_helpers;
 };
 
 constexpr double waveRowStep = 46;
@@ -107,27 +155,29 @@ WorldLayout WorldLayout::build(const std::vector<Tile> &tiles, const std::string
     layout.warp = Warp(phase, amplitude, layout.land);
     SplitMix64 random(seed);
 
-    // The coast is all rough edge; it is warped on another thread while the regions are built.
-    QFuture<QPainterPath> coast = QtConcurrent::run(
-        [warp = layout.warp, land = layout.land] { return warp.warpedOutline(land); });
-
     std::vector<double> values;
     values.reserve(tiles.size());
     for (const Tile &t : tiles)
         values.push_back(t.value);
     const std::vector<QRectF> rects = squarify(values, layout.land);
 
+    // The outlines are most of the work and need neither the generator nor each other: pool
+    // threads start on them at once, and this thread joins in once the regions are built.
+    std::vector<QPainterPath> shapes(rects.size());
+    const Warp &warp = layout.warp;
+    SharedJobs outlines(rects.size() + 1, [&](std::size_t i) {
+        // The coast goes first: it is the longest outline.
+        if (i == 0)
+            layout.coast = warp.warpedOutline(layout.land);
+        else
+            shapes[i - 1] = warp.warpedOutline(rects[i - 1]);
+    });
+
     RegionBuilder builder(layout.warp, random, explored, bounties, title);
     layout.regions.reserve(tiles.size());
     for (std::size_t i = 0; i < tiles.size(); ++i)
         layout.regions.push_back(builder.build(tiles[i], rects[i]));
-    // The outlines are most of the work and independent of each other and of the generator.
-    const Warp &warp = layout.warp;
-    QtConcurrent::blockingMap(layout.regions,
-                              [&warp](Region &r) { r.shape = warp.warpedOutline(r.rect); });
-
     layout.rivers = Rivers::trace(layout.regions, layout.land, layout.warp);
-    layout.coast = coast.result();
     layout.waves = makeWaves(size, layout.land, random);
 
     KeyHash hash;
@@ -142,6 +192,10 @@ WorldLayout WorldLayout::build(const std::vector<Tile> &tiles, const std::string
         hash.add(r.title);
     }
     layout.key = hash.value();
+
+    outlines.finish();
+    for (std::size_t i = 0; i < shapes.size(); ++i)
+        layout.regions[i].shape = std::move(shapes[i]);
     return layout;
 }
 

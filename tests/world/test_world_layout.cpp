@@ -2,6 +2,7 @@
 #include "support/TestSandbox.h"
 #include "support/TreeBuilder.h"
 #include "world/SplitMix64.h"
+#include "world/Warp.h"
 #include "world/WorldLayout.h"
 
 #include <QFile>
@@ -97,6 +98,37 @@ private Q_SLOTS:
             });
         QCOMPARE(geometry(renamed), geometry(a));
         QVERIFY(renamed.key != a.key);
+    }
+
+    // Outlines warp their points in steps; the steps must stay on the warp itself, inland and
+    // where the coast term sets in.
+    void steppedPointsFollowTheWarp()
+    {
+        const QRectF land(96, 60, 20'288, 11'400);
+        const Warp warp(2.37, 180, land);
+        const struct
+        {
+            QPointF from, to;
+            int n;
+        } lines[] = {
+            {land.topLeft(), land.topRight(), 4000},                           // along the coast
+            {land.center(), land.center() + QPointF(3000, 2000), 777},         // inland only
+            {land.center(), QPointF(land.right() - 5, land.center().y()), 91}, // inland to coast
+            {QPointF(500, 500), QPointF(510, 500), 1},
+        };
+        for (const auto &line : lines) {
+            const std::vector<QPointF> points = warp.warpedSteps(line.from, line.to, line.n);
+            QCOMPARE(points.size(), std::size_t(line.n));
+            QCOMPARE(points.front(), warp(line.from)); // exactly
+            for (int j = 0; j < line.n; ++j) {
+                const QPointF exact =
+                    warp(line.from + (line.to - line.from) * (double(j) / line.n));
+                const QPointF d = points[std::size_t(j)] - exact;
+                QVERIFY2(std::abs(d.x()) < 1e-9 && std::abs(d.y()) < 1e-9,
+                         qPrintable(QStringLiteral("point %1 of %2").arg(j).arg(line.n)));
+            }
+        }
+        QVERIFY(warp.warpedSteps(land.topLeft(), land.topRight(), 0).empty());
     }
 
     void landAndAmplitude_data()
