@@ -94,7 +94,7 @@ int main(int argc, char *argv[])
     scene.setPalette(Appearance::palette(Appearance::Scheme::light));
     scene.resize(view.toSize());
     scene.setWorld(layout, QStringLiteral("The Bench"));
-    const auto motes = AmbientGeometry::motes();
+    AmbientLayer ambient(false);
 
     QImage target(view.toSize(), QImage::Format_ARGB32_Premultiplied);
     const QRectF all(QPointF(0, 0), view);
@@ -112,7 +112,7 @@ int main(int argc, char *argv[])
         player.tick();
         QPainter painter(&target);
         scene.paintFrame(painter, all);
-        AmbientLayer::paintFrame(painter, view, clock->now(), false, motes);
+        ambient.paintFrame(painter, view, clock->now(), false);
         painter.end();
         total += double(timer.nsecsElapsed()) / 1e6;
     }

@@ -6,7 +6,9 @@
 #include <QThreadPool>
 #include <dirent.h>
 #include <fts.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -113,6 +115,7 @@ void Scanner::walkWithFts(const std::vector<NodePtr> &topLevel, const Mounts::Pa
     pool.setMaxThreadCount(QThread::idealThreadCount());
     for (const NodePtr &folder : topLevel) {
         pool.start([this, folder, &skipped] {
+            enterWorker();
             // Folders still queued when the scan is cancelled are not walked; a walk cut short
             // is not reported as completed.
             if (cancelled())
@@ -124,6 +127,13 @@ void Scanner::walkWithFts(const std::vector<NodePtr> &topLevel, const Mounts::Pa
         });
     }
     pool.waitForDone();
+}
+
+void Scanner::enterWorker() const
+{
+    // Linux gives each thread its own niceness; the pool's threads end with the walk.
+    if (m_niceness != 0)
+        setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), m_niceness);
 }
 
 void Scanner::reportCompleted(const NodePtr &folder)

@@ -48,6 +48,11 @@ public:
         m_onFolderFinished = std::move(callback);
     }
     void setWalk(Walk walk) { m_walk = walk; }
+    // A niceness for the walking threads (0 leaves them as they are): behind a window, a higher
+    // one keeps the walk from taking the cores the interface needs to stay smooth.
+    void setWorkerNiceness(int niceness) { m_niceness = niceness; }
+    // Applies the niceness to the calling worker thread.
+    void enterWorker() const;
     [[nodiscard]] Walk walk() const { return m_walk; }
 
     // Worker side: a top-level folder whose subtree is finished, and big files found.
@@ -62,6 +67,7 @@ private:
     void walkWithFts(const std::vector<NodePtr> &topLevel, const Mounts::PathSet &skipped);
 
     Walk m_walk = Walk::shared;
+    int m_niceness = 0;
     mutable std::mutex m_lock;
     std::int64_t m_files = 0;
     std::uint64_t m_bytes = 0;

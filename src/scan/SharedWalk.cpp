@@ -49,6 +49,7 @@ public:
 
     void run()
     {
+        m_walk.m_scanner.enterWorker();
         Task task;
         while (m_walk.nextTask(m_local, task)) {
             list(std::move(task));

@@ -132,6 +132,7 @@ void Model::scan(Game &game)
 {
     stop();
     auto scanner = std::make_shared<Scanner>();
+    scanner->setWorkerNiceness(workerNiceness);
     m_scanner = scanner;
     const std::string path = m_scanPath;
 

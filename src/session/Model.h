@@ -62,6 +62,8 @@ public:
 
     static constexpr std::array<double, 5> zoomScales = {1.0, 1.5, 2.0, 3.0, 4.0};
     static constexpr int maxZoomLevel = 4;
+    // The scan's workers yield to the window, which has to paint while they walk.
+    static constexpr int workerNiceness = 19;
 
     explicit Model(QObject *parent = nullptr);
     ~Model() override;

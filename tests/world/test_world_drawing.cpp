@@ -1,10 +1,12 @@
 #include "game/Game.h"
 #include "platform/Appearance.h"
+#include "platform/Emoji.h"
 #include "session/Model.h"
 #include "support/TestSandbox.h"
 #include "support/TreeBuilder.h"
 #include "world/ManualClock.h"
 #include "world/Player.h"
+#include "world/ui/IslandRenderer.h"
 #include "world/ui/MonsterGlyph.h"
 #include "world/ui/MonsterSprite.h"
 #include "world/ui/WorldCanvas.h"
@@ -13,6 +15,8 @@
 #include <QAccessible>
 #include <QFile>
 #include <QPainter>
+#include <QSignalSpy>
+#include <QtConcurrent>
 #include <cmath>
 
 namespace {
@@ -354,6 +358,101 @@ private Q_SLOTS:
         QVERIFY(dying.animating(5.2, true));
         QCOMPARE(qAlpha(render(dying, 5.5).pixel(body)), 0); // gone once the blast has passed
         QVERIFY(!dying.animating(5.1 + MonsterSprite::deathSeconds, true));
+    }
+
+    // The worker draws the same island the canvas draws; of several requests made while it is
+    // busy only the newest is drawn, and nothing drawn before a clear() shows up after it.
+    void islandsDrawnOnAWorkerMatchTheCanvas()
+    {
+        const NodePtr root = sampleLevel();
+        const QSizeF size(720, 450);
+        const QPalette palette = Appearance::palette(Appearance::Scheme::dark);
+        WorldCanvas canvas;
+        canvas.setWorld(build(root, size, "small3"), QStringLiteral("Realm"));
+        const QImage direct = canvas.image(palette, 1.0);
+
+        IslandRenderer renderer;
+        QSignalSpy ready(&renderer, &IslandRenderer::ready);
+        const auto request = [&](const std::string &unexplored) {
+            IslandRenderer::Request r;
+            r.layout = [root, size, unexplored] { return build(root, size, unexplored); };
+            r.title = QStringLiteral("Realm");
+            r.size = size.toSize();
+            r.colors = WorldPalette::of(palette);
+            return r;
+        };
+        renderer.request(request("small1"));
+        renderer.request(request("small2")); // superseded before it starts
+        renderer.request(request("small3"));
+        renderer.waitForIdle();
+        QCOMPARE(ready.count(), 2);
+        // Tiles meet with slightly different antialiasing; the island itself must agree.
+        const auto differing = [&direct](const QImage &drawn) {
+            const QImage image = drawn.convertToFormat(direct.format());
+            int count = 0;
+            for (int y = 0; y < direct.height(); ++y) {
+                for (int x = 0; x < direct.width(); ++x)
+                    count += !near(image.pixelColor(x, y), direct.pixelColor(x, y), 8);
+            }
+            return count;
+        };
+        QCOMPARE(renderer.image().size(), direct.size());
+        QVERIFY(differing(renderer.image()) < direct.width() * direct.height() / 200);
+        const QImage newest = renderer.image();
+        renderer.request(request("small1"));
+        renderer.waitForIdle();
+        QVERIFY(differing(renderer.image()) > differing(newest) + 100); // fog moved
+
+        QCOMPARE(ready.count(), 3);
+
+        renderer.request(request("small2"));
+        renderer.clear();
+        renderer.waitForIdle();
+        QVERIFY(renderer.image().isNull());
+        QCOMPARE(ready.count(), 3);
+    }
+
+    // Emoji are kept as drawn images on the interface thread; elsewhere they are drawn as text.
+    // Both must sit in the same place at the same size and colour.
+    void keptEmojiLookLikeDrawnOnes()
+    {
+        const auto draw = [](double scale) {
+            QImage image(120, 120, QImage::Format_ARGB32_Premultiplied);
+            image.fill(Qt::white);
+            QPainter p(&image);
+            p.scale(scale, scale);
+            Emoji::drawCentered(p, QStringLiteral("🐉"), QPointF(60, 60) / scale, 40 / scale);
+            return image;
+        };
+        struct Ink
+        {
+            QRect box;
+            int greenish = 0; // the dragon is green
+        };
+        const auto inkOf = [](const QImage &image) {
+            Ink ink;
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 0; x < image.width(); ++x) {
+                    const QColor c = image.pixelColor(x, y);
+                    if (c == Qt::white)
+                        continue;
+                    ink.box |= QRect(x, y, 1, 1);
+                    ink.greenish += c.green() > c.red() + 40;
+                }
+            }
+            return ink;
+        };
+        for (const double scale : {1.0, 1.5}) {
+            const QImage kept = draw(scale);
+            QCOMPARE(draw(scale), kept);
+            const Ink a = inkOf(kept);
+            const Ink b = inkOf(QtConcurrent::run([&] { return draw(scale); }).result());
+            QVERIFY(b.box.width() > 25 && b.greenish > 300); // drawn at all, in colour
+            for (const int edge : {a.box.left() - b.box.left(), a.box.right() - b.box.right(),
+                                   a.box.top() - b.box.top(), a.box.bottom() - b.box.bottom()})
+                QVERIFY(std::abs(edge) <= 2);
+            QVERIFY(std::abs(a.greenish - b.greenish) < b.greenish / 5);
+        }
     }
 
     void labelSitsBelowTheMonster()

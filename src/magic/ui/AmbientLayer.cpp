@@ -5,14 +5,15 @@
 #include <QPainter>
 #include <QRadialGradient>
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
 constexpr int frameMs = 34; // at most 30 frames a second
 const QColor warmMote = QColor::fromRgbF(1.0f, 0.9f, 0.45f);
 
-// A filled ellipse whose edge is softened over `blur` points on each side.
-void softEllipse(QPainter &painter, const QRectF &ellipse, double blur, QColor colour)
+// A filled ellipse whose edge is softened over `blur` points on each side, centred on (0, 0).
+void softEllipse(QPainter &painter, QSizeF ellipse, double blur, QColor colour)
 {
     const double rx = ellipse.width() / 2 + blur;
     const double ry = ellipse.height() / 2 + blur;
@@ -33,7 +34,6 @@ void softEllipse(QPainter &painter, const QRectF &ellipse, double blur, QColor c
     if (core > 0)
         g.setColorAt(0, colour);
     painter.save();
-    painter.translate(ellipse.center());
     painter.scale(rx, ry);
     painter.setPen(Qt::NoPen);
     painter.setBrush(g);
@@ -89,29 +89,61 @@ void AmbientLayer::paintEvent(QPaintEvent *)
     if (m_reduceMotion)
         return;
     QPainter painter(this);
-    paintFrame(painter, size(), m_clock.elapsed() / 1000.0, Appearance::isDark(palette()), m_motes);
+    paintFrame(painter, size(), m_clock.elapsed() / 1000.0, Appearance::isDark(palette()));
 }
 
-void AmbientLayer::paintFrame(
-    QPainter &painter, QSizeF size, double t, bool dark,
-    const std::array<AmbientGeometry::Mote, AmbientGeometry::moteCount> &motes)
+const QImage &AmbientLayer::sprite(QSizeF ellipse, double blur, QColor colour, double scale)
 {
-    painter.save();
+    const QString key = QStringLiteral("%1x%2/%3/%4/%5")
+                            .arg(ellipse.width())
+                            .arg(ellipse.height())
+                            .arg(blur)
+                            .arg(colour.rgba())
+                            .arg(scale);
+    const auto found = m_sprites.constFind(key);
+    if (found != m_sprites.cend())
+        return *found;
+    // Only a handful of sizes are live at once (the window's size picks the clouds').
+    if (m_sprites.size() > 16)
+        m_sprites.clear();
+    const QSizeF logical(ellipse.width() + 2 * blur, ellipse.height() + 2 * blur);
+    QImage image(std::max(1, int(std::ceil(logical.width() * scale))),
+                 std::max(1, int(std::ceil(logical.height() * scale))),
+                 QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(logical.width() / 2, logical.height() / 2);
+    softEllipse(painter, ellipse, blur, colour);
+    painter.end();
+    return *m_sprites.insert(key, image);
+}
+
+// The soft shapes are drawn once into images and only copied afterwards: filling big radial
+// gradients thirty times a second would keep the interface thread busy.
+void AmbientLayer::paintFrame(QPainter &painter, QSizeF size, double t, bool dark)
+{
+    const double scale = painter.device() ? painter.device()->devicePixelRatioF() : 1.0;
+    const auto stamp = [&](const QRectF &ellipse, double blur, const QColor &colour) {
+        const QImage &image = sprite(ellipse.size(), blur, colour, scale);
+        painter.drawImage(ellipse.topLeft() - QPointF(blur, blur), image);
+    };
+    painter.save();
     QColor shadow(Qt::black);
     shadow.setAlphaF(dark ? 0.12f : 0.07f);
     for (int c = 0; c < AmbientGeometry::cloudCount; ++c) {
         const QRectF cloud = AmbientGeometry::cloud(c, t, size);
         if (!cloud.isEmpty())
-            softEllipse(painter, cloud, AmbientGeometry::cloudBlur, shadow);
+            stamp(cloud, AmbientGeometry::cloudBlur, shadow);
     }
     const double half = AmbientGeometry::moteDiameter / 2;
-    for (const AmbientGeometry::Mote &mote : motes) {
-        QColor colour = dark ? warmMote : QColor(Qt::white);
-        colour.setAlphaF(float(AmbientGeometry::moteOpacity(mote, t)));
-        const QPointF centre = AmbientGeometry::moteCentre(mote, t, size);
-        softEllipse(painter, QRectF(centre.x() - half, centre.y() - half, 2 * half, 2 * half),
-                    AmbientGeometry::moteBlur, colour);
+    const QColor mote = dark ? warmMote : QColor(Qt::white);
+    for (const AmbientGeometry::Mote &m : m_motes) {
+        painter.setOpacity(AmbientGeometry::moteOpacity(m, t));
+        const QPointF centre = AmbientGeometry::moteCentre(m, t, size);
+        stamp(QRectF(centre.x() - half, centre.y() - half, 2 * half, 2 * half),
+              AmbientGeometry::moteBlur, mote);
     }
     painter.restore();
 }

@@ -3,6 +3,8 @@
 #include "magic/AmbientGeometry.h"
 
 #include <QElapsedTimer>
+#include <QHash>
+#include <QImage>
 #include <QTimer>
 #include <QWidget>
 #include <array>
@@ -21,9 +23,7 @@ public:
     [[nodiscard]] bool animating() const { return m_frames.isActive(); }
 
     // One frame at `t` seconds over a layer of `size`.
-    static void
-    paintFrame(QPainter &painter, QSizeF size, double t, bool dark,
-               const std::array<AmbientGeometry::Mote, AmbientGeometry::moteCount> &motes);
+    void paintFrame(QPainter &painter, QSizeF size, double t, bool dark);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -32,9 +32,11 @@ protected:
 
 private:
     void updateTimer();
+    [[nodiscard]] const QImage &sprite(QSizeF ellipse, double blur, QColor colour, double scale);
 
     bool m_reduceMotion;
     const std::array<AmbientGeometry::Mote, AmbientGeometry::moteCount> m_motes;
     QTimer m_frames;
     QElapsedTimer m_clock;
+    QHash<QString, QImage> m_sprites;
 };

@@ -1,6 +1,7 @@
 #include "ui/screens/ScanningView.h"
 
 #include "game/Game.h"
+#include "game/Lore.h"
 #include "magic/ui/AmbientLayer.h"
 #include "platform/Appearance.h"
 #include "platform/Spring.h"
@@ -9,8 +10,9 @@
 #include "ui/screens/MaterialCard.h"
 #include "ui/screens/SwayingBroom.h"
 #include "ui/screens/TextStyle.h"
-#include "world/ui/WorldCanvas.h"
+#include "world/ui/IslandRenderer.h"
 
+#include <QEvent>
 #include <QFile>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -19,10 +21,11 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <unordered_set>
 
 ScanningView::ScanningView(Model &model, Game &game, bool reduceMotion, QWidget *parent)
     : QWidget(parent), m_model(model), m_game(game), m_reduceMotion(reduceMotion),
-      m_canvas(std::make_unique<WorldCanvas>()), m_ambient(new AmbientLayer(reduceMotion, this)),
+      m_island(new IslandRenderer(this)), m_ambient(new AmbientLayer(reduceMotion, this)),
       m_card(new MaterialCard(14, this))
 {
     setFocusPolicy(Qt::StrongFocus);
@@ -56,16 +59,19 @@ ScanningView::ScanningView(Model &model, Game &game, bool reduceMotion, QWidget 
         update();
     });
 
+    connect(m_island, &IslandRenderer::ready, this, &ScanningView::islandReady);
     connect(&m_model, &Model::progressChanged, this, &ScanningView::refreshText);
     connect(&m_model, &Model::scanPathChanged, this, [this] {
         m_islandStale = true;
         refreshText();
     });
     connect(&m_model, &Model::partialChanged, this, &ScanningView::partialChanged);
-    connect(&m_game, &Game::fantasyNamesChanged, this, [this] {
-        m_islandStale = true;
-        update();
-    });
+    for (const auto signal : {&Game::fantasyNamesChanged, &Game::customNamesChanged}) {
+        connect(&m_game, signal, this, [this] {
+            m_islandStale = true;
+            update();
+        });
+    }
     refreshText();
     partialChanged();
 }
@@ -105,57 +111,100 @@ void ScanningView::refreshText()
 
 void ScanningView::partialChanged()
 {
-    const bool had = m_hasIsland;
     m_hasIsland = !m_model.partial().empty();
     m_islandStale = true;
-    if (m_hasIsland && !had) {
+    if (!m_hasIsland) {
+        m_fadeIn.stop();
+        m_islandOpacity = 0;
+        m_islandShown = false;
+        m_island->clear();
+    }
+    refreshText();
+    update();
+}
+
+bool ScanningView::showsIsland() const
+{
+    return m_hasIsland && !m_island->image().isNull();
+}
+
+void ScanningView::waitForIsland()
+{
+    if (m_islandStale)
+        rebuildIsland();
+    m_island->waitForIdle();
+}
+
+void ScanningView::islandReady()
+{
+    if (!m_hasIsland)
+        return;
+    if (!m_islandShown) {
+        m_islandShown = true;
         if (m_reduceMotion || !isVisible()) {
             m_islandOpacity = 1;
         } else {
             m_islandOpacity = 0;
             m_fadeIn.run(0, 1);
         }
-    } else if (!m_hasIsland) {
-        m_fadeIn.stop();
-        m_islandOpacity = 0;
     }
-    refreshText();
     update();
 }
 
+// Laying out and drawing a whole island takes longer than a frame; it is done on a worker from
+// copies of what it needs, while the previous island stays on screen.
 void ScanningView::rebuildIsland()
 {
     m_islandStale = false;
+    if (!m_hasIsland)
+        return;
     std::vector<Tile> tiles;
+    std::unordered_set<std::string> explored;
     for (const NodePtr &node : m_model.partial()) {
         if (node->size() == 0)
             continue;
         tiles.push_back(Tile{node->name(), Tile::Folder{node}, node->name(), double(node->size())});
+        if (const std::string path = childPath(node->name()); m_game.hasSeen(path))
+            explored.insert(path);
     }
     std::stable_sort(tiles.begin(), tiles.end(),
                      [](const Tile &a, const Tile &b) { return a.value > b.value; });
-    const auto explored = [this](const std::string &path) { return m_game.hasSeen(path); };
-    const auto bounties = [](const std::string &) { return std::int64_t(0); };
-    const auto title = [this](const Tile &tile, std::optional<Tier> tier) {
-        if (!tile.folder())
-            return QFile::decodeName(QByteArray::fromStdString(tile.name));
-        return m_game.placeName(childPath(tile.name), tile.name, tier);
+    IslandRenderer::Request request;
+    request.layout = [tiles = std::move(tiles), explored = std::move(explored),
+                      base = m_model.scanPath(), names = m_game.customNames(),
+                      fantasy = m_game.fantasyNames(), size = QSizeF(size())] {
+        const auto pathOf = [&base](const std::string &name) {
+            return base.empty() || base.back() == '/' ? base + name : base + "/" + name;
+        };
+        const auto title = [&](const Tile &tile, std::optional<Tier> tier) {
+            if (!tile.folder())
+                return QFile::decodeName(QByteArray::fromStdString(tile.name));
+            return Lore::placeName(pathOf(tile.name), tile.name, tier, names, fantasy);
+        };
+        return WorldLayout::build(
+            tiles, base, size, [&explored](const std::string &p) { return explored.contains(p); },
+            [](const std::string &) { return std::int64_t(0); }, title);
     };
-    m_canvas->setWorld(
-        WorldLayout::build(tiles, m_model.scanPath(), QSizeF(size()), explored, bounties, title),
-        tr("Charting %1").arg(folderName()));
+    request.title = tr("Charting %1").arg(folderName());
+    request.size = size();
+    request.dpr = devicePixelRatioF();
+    request.colors = WorldPalette::of(palette());
+    m_island->request(std::move(request));
 }
 
 void ScanningView::paintEvent(QPaintEvent *)
 {
     QPainter p(this);
     p.fillRect(rect(), Appearance::resolve(sea, palette()));
-    if (!m_hasIsland || m_islandOpacity <= 0)
+    if (!m_hasIsland)
         return;
     if (m_islandStale)
         rebuildIsland();
+    const QImage &island = m_island->image();
+    if (island.isNull() || m_islandOpacity <= 0)
+        return;
     p.setOpacity(m_islandOpacity);
-    m_canvas->draw(p, QRectF(rect()), palette(), devicePixelRatioF());
+    p.drawImage(QPointF(0, 0), island);
 }
 
 void ScanningView::placeCard()
@@ -170,6 +219,15 @@ void ScanningView::resizeEvent(QResizeEvent *)
     m_ambient->setGeometry(rect());
     m_islandStale = true;
     placeCard();
+}
+
+void ScanningView::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange) {
+        m_islandStale = true;
+        update();
+    }
+    QWidget::changeEvent(event);
 }
 
 void ScanningView::showEvent(QShowEvent *)

@@ -4,7 +4,6 @@
 #include "ui/screens/SpringAnimation.h"
 
 #include <QWidget>
-#include <memory>
 #include <string>
 
 class AmbientLayer;
@@ -13,7 +12,7 @@ class MaterialCard;
 class Model;
 class QLabel;
 class QPushButton;
-class WorldCanvas;
+class IslandRenderer;
 
 // What the window shows while a scan runs: the sea, then the island of the folders finished so
 // far, with a card that tells the progress and can stop the scan.
@@ -33,17 +32,21 @@ public:
     [[nodiscard]] QPushButton *stopButton() const { return m_stop; }
     [[nodiscard]] MaterialCard *card() const { return m_card; }
     // Whether the island of the finished folders is drawn (else the plain sea).
-    [[nodiscard]] bool showsIsland() const { return m_hasIsland; }
+    [[nodiscard]] bool showsIsland() const;
+    // The island is drawn on a worker thread; this waits for the drawing in progress.
+    void waitForIsland();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void showEvent(QShowEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     void refreshText();
     void partialChanged();
     void rebuildIsland();
+    void islandReady();
     void placeCard();
     [[nodiscard]] QString folderName() const;
     [[nodiscard]] std::string childPath(const std::string &name) const;
@@ -51,8 +54,9 @@ private:
     Model &m_model;
     Game &m_game;
     bool m_reduceMotion;
-    std::unique_ptr<WorldCanvas> m_canvas;
+    IslandRenderer *m_island;
     bool m_hasIsland = false;
+    bool m_islandShown = false;
     bool m_islandStale = true;
     double m_islandOpacity = 0;
     SpringAnimation m_fadeIn;
