@@ -3,7 +3,7 @@ BUILD ?= build
 CMAKE_FLAGS ?=
 JOBS ?= $(shell nproc)
 
-.PHONY: all setup configure build run test bench format clean
+.PHONY: all setup configure build run test bench sanitize tsan format clean
 
 all: build
 
@@ -26,6 +26,19 @@ test: build
 
 bench: build
 	bash bench/run $(BUILD)
+
+# The whole suite under AddressSanitizer and UndefinedBehaviorSanitizer, in its own build folder.
+sanitize: setup
+	cmake -S . -B build-asan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DDUSTMERE_SANITIZE=address
+	cmake --build build-asan -j $(JOBS)
+	cd build-asan && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+		ctest --output-on-failure -j $(JOBS)
+
+# The scanner's tests under ThreadSanitizer.
+tsan: setup
+	cmake -S . -B build-tsan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DDUSTMERE_SANITIZE=thread
+	cmake --build build-tsan -j $(JOBS) --target test_scanner test_walks dustmere
+	cd build-tsan && TSAN_OPTIONS="halt_on_error=1 die_after_fork=0" ctest --output-on-failure -R 'test_scanner|test_walks'
 
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')

@@ -3,11 +3,12 @@
 #include "scan/SharedWalk.h"
 
 #include <QThread>
-#include <QThreadPool>
+#include <atomic>
 #include <dirent.h>
 #include <fts.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -111,22 +112,33 @@ NodePtr Scanner::scan(const std::string &path)
 
 void Scanner::walkWithFts(const std::vector<NodePtr> &topLevel, const Mounts::PathSet &skipped)
 {
-    QThreadPool pool;
-    pool.setMaxThreadCount(QThread::idealThreadCount());
-    for (const NodePtr &folder : topLevel) {
-        pool.start([this, folder, &skipped] {
-            enterWorker();
+    std::atomic<std::size_t> next = 0;
+    runWorkers(QThread::idealThreadCount(), [&] {
+        for (std::size_t i; (i = next++) < topLevel.size();) {
+            const NodePtr &folder = topLevel[i];
             // Folders still queued when the scan is cancelled are not walked; a walk cut short
             // is not reported as completed.
             if (cancelled())
                 return;
             const std::string folderPath = folder->path();
             if (!skipped.contains(folderPath) && !scanSubtree(*folder, folderPath))
-                return;
+                continue;
             reportCompleted(folder);
+        }
+    });
+}
+
+void Scanner::runWorkers(int count, const std::function<void()> &work) const
+{
+    // Plain threads rather than a Qt pool: they end with the walk (taking their niceness with
+    // them), and their synchronisation is visible to the thread sanitizer.
+    std::vector<std::jthread> workers;
+    for (int i = 0; i < std::max(count, 1); ++i) {
+        workers.emplace_back([this, &work] {
+            enterWorker();
+            work();
         });
     }
-    pool.waitForDone();
 }
 
 void Scanner::enterWorker() const

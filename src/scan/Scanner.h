@@ -51,8 +51,8 @@ public:
     // A niceness for the walking threads (0 leaves them as they are): behind a window, a higher
     // one keeps the walk from taking the cores the interface needs to stay smooth.
     void setWorkerNiceness(int niceness) { m_niceness = niceness; }
-    // Applies the niceness to the calling worker thread.
-    void enterWorker() const;
+    // Runs `work` on `count` new threads at the walk's niceness and returns when all are done.
+    void runWorkers(int count, const std::function<void()> &work) const;
     [[nodiscard]] Walk walk() const { return m_walk; }
 
     // Worker side: a top-level folder whose subtree is finished, and big files found.
@@ -64,6 +64,7 @@ public:
     bool scanSubtree(Node &node, const std::string &path);
 
 private:
+    void enterWorker() const;
     void walkWithFts(const std::vector<NodePtr> &topLevel, const Mounts::PathSet &skipped);
 
     Walk m_walk = Walk::shared;

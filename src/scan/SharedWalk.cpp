@@ -2,7 +2,6 @@
 
 #include "scan/Scanner.h"
 
-#include <QThreadPool>
 #include <climits>
 #include <cstring>
 #include <dirent.h>
@@ -49,7 +48,6 @@ public:
 
     void run()
     {
-        m_walk.m_scanner.enterWorker();
         Task task;
         while (m_walk.nextTask(m_local, task)) {
             list(std::move(task));
@@ -191,14 +189,7 @@ void SharedWalk::run(const std::vector<NodePtr> &topLevel, const Mounts::PathSet
     }
     m_queued = m_queue.size();
 
-    QThreadPool pool;
-    pool.setMaxThreadCount(m_workers);
-    std::vector<std::unique_ptr<Worker>> workers;
-    for (int i = 0; i < m_workers; ++i) {
-        workers.push_back(std::make_unique<Worker>(*this));
-        pool.start([worker = workers.back().get()] { worker->run(); });
-    }
-    pool.waitForDone();
+    m_scanner.runWorkers(m_workers, [this] { Worker(*this).run(); });
 }
 
 bool SharedWalk::nextTask(std::deque<Task> &local, Task &task)
