@@ -2,6 +2,7 @@
 
 #include "platform/Appearance.h"
 #include "platform/Icons.h"
+#include "platform/Keys.h"
 #include "session/Model.h"
 #include "ui/Popover.h"
 #include "world/ui/MapHelp.h"
@@ -27,7 +28,7 @@ MapControls::MapControls(Model &model, QWidget *parent)
         button->setFocusPolicy(Qt::NoFocus);
         button->setIconSize(QSize(16, 16));
         button->setFixedSize(28, 28);
-        button->setToolTip(QString::fromUtf8(tip));
+        button->setToolTip(Keys::display(QString::fromUtf8(tip)));
         column->addWidget(button);
     }
     m_in->setAccessibleName(QStringLiteral("Zoom in"));

@@ -4,6 +4,7 @@
 #include "magic/Spell.h"
 #include "platform/Appearance.h"
 #include "platform/Emoji.h"
+#include "platform/Keys.h"
 #include "world/ui/Terrain.h"
 
 #include <QFontDatabase>
@@ -106,8 +107,8 @@ MapHelp::MapHelp(QWidget *parent) : QWidget(parent)
     };
     int row = 0;
     for (const auto &[k, meaning] : rows) {
-        controls->addWidget(text(QString::fromUtf8(k), keys, this), row, 0);
-        controls->addWidget(text(QString::fromUtf8(meaning), small, this), row, 1);
+        controls->addWidget(text(Keys::display(QString::fromUtf8(k)), keys, this), row, 0);
+        controls->addWidget(text(Keys::display(QString::fromUtf8(meaning)), small, this), row, 1);
         ++row;
     }
     controls->setColumnStretch(1, 1);

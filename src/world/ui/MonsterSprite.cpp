@@ -101,10 +101,8 @@ void MonsterSprite::paint(QPainter &painter, Stamps &stamps, double now, bool re
 
     if (opacity > 0) {
         painter.setOpacity(opacity);
-        QPainterPath shadow;
-        shadow.addEllipse(QPointF(c.x(), c.y() + 0.42 * s * scale), 0.36 * s * scale,
-                          0.09 * s * scale);
-        painter.fillPath(shadow, QColor(0, 0, 0, 77));
+        stamps.drawShadow(painter, QPointF(c.x(), c.y() + 0.42 * s * scale), 0.36 * s * scale,
+                          0.09 * s * scale, QColor(0, 0, 0, 77));
 
         if (!m_region.explored) {
             stamps.drawEmoji(painter, QStringLiteral("❔"), c, 0.6 * s);

@@ -96,3 +96,30 @@ void Stamps::drawMonster(QPainter &painter, Tier tier, QPointF centre, double si
     const QImage &img = monster(tier, size, scaleOf(painter));
     painter.drawImage(QRectF(centre.x() - size / 2, centre.y() - size / 2, size, size), img);
 }
+
+void Stamps::drawShadow(QPainter &painter, QPointF centre, double rx, double ry,
+                        const QColor &colour)
+{
+    if (rx <= 0 || ry <= 0)
+        return;
+    const double scale = scaleOf(painter);
+    const int w = std::max(1, int(std::lround(2 * rx * scale)));
+    const int h = std::max(1, int(std::lround(2 * ry * scale)));
+    const QString key = keyOf(QStringLiteral("shadow:%1x").arg(w), h, colour);
+    auto it = m_images.find(key);
+    if (it == m_images.end()) {
+        makeRoom();
+        QImage img(w, h, QImage::Format_ARGB32_Premultiplied);
+        img.fill(Qt::transparent);
+        {
+            QPainter p(&img);
+            p.setRenderHint(QPainter::Antialiasing);
+            p.setPen(Qt::NoPen);
+            p.setBrush(colour);
+            p.drawEllipse(QRectF(0, 0, w, h));
+        }
+        img.setDevicePixelRatio(scale);
+        it = m_images.insert(key, img);
+    }
+    painter.drawImage(QRectF(centre.x() - rx, centre.y() - ry, 2 * rx, 2 * ry), *it);
+}

@@ -22,6 +22,8 @@ public:
                    const QColor &tint = QColor());
     // The monster of `tier` in a square of `size` centred on `centre`.
     void drawMonster(QPainter &painter, Tier tier, QPointF centre, double size);
+    // A filled ellipse with radii `rx`, `ry` (a monster's shadow).
+    void drawShadow(QPainter &painter, QPointF centre, double rx, double ry, const QColor &colour);
 
     [[nodiscard]] const QImage &emoji(const QString &emoji, double pixelSize, double scale,
                                       const QColor &tint = QColor());
