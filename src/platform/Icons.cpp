@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPixmap>
+#include <QPixmapCache>
 
 namespace {
 
@@ -127,14 +128,30 @@ QIcon Icons::symbol(const QString &name, const QColor &color, int size)
     useAdwaitaBehindTheTheme();
     const qreal ratio = qApp ? qApp->devicePixelRatio() : 1.0;
     const int px = qRound(size * ratio);
+    // Every row of a long list asks for the same few icons; the pixmap cache keeps them bounded.
+    const QString key = QStringLiteral("dustmere-symbol:%1:%2:%3:%4:%5")
+                            .arg(name, QIcon::themeName())
+                            .arg(color.rgba(), 0, 16)
+                            .arg(size)
+                            .arg(ratio);
     QIcon icon;
-    const QString theme = themeName(name);
-    const QIcon fromTheme = theme.isEmpty() ? QIcon() : QIcon::fromTheme(theme);
+    QIcon fromTheme;
+    bool themeLooked = false;
     for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Disabled}) {
+        const QString modeKey = key + (mode == QIcon::Disabled ? u'd' : u'n');
+        QPixmap pm;
+        if (QPixmapCache::find(modeKey, &pm)) {
+            icon.addPixmap(pm, mode);
+            continue;
+        }
+        if (!themeLooked) {
+            const QString theme = themeName(name);
+            fromTheme = theme.isEmpty() ? QIcon() : QIcon::fromTheme(theme);
+            themeLooked = true;
+        }
         QColor c = color;
         if (mode == QIcon::Disabled)
             c.setAlphaF(c.alphaF() * 0.35);
-        QPixmap pm;
         if (!fromTheme.isNull())
             pm = fromTheme.pixmap(QSize(px, px));
         if (pm.isNull()) {
@@ -147,6 +164,7 @@ QIcon Icons::symbol(const QString &name, const QColor &color, int size)
         }
         pm = tinted(pm, c);
         pm.setDevicePixelRatio(ratio);
+        QPixmapCache::insert(modeKey, pm);
         icon.addPixmap(pm, mode);
     }
     return icon;

@@ -1,18 +1,57 @@
 #include "platform/Spring.h"
 
+#include <algorithm>
 #include <cmath>
+#include <mutex>
 #include <numbers>
+#include <vector>
+
+namespace {
+
+// Finding the settling time samples the curve 2,000 times, and every row of a list makes springs
+// from the same few pairs: remember the answer per pair.
+class SettleTimes
+{
+public:
+    template<typename Compute> int get(double omega, double zeta, Compute compute)
+    {
+        const std::lock_guard lock(m_mutex);
+        for (const Entry &e : m_entries)
+            if (e.omega == omega && e.zeta == zeta)
+                return e.ms;
+        const int ms = compute();
+        if (m_entries.size() < capacity)
+            m_entries.push_back({omega, zeta, ms});
+        return ms;
+    }
+
+private:
+    static constexpr std::size_t capacity = 64;
+    struct Entry
+    {
+        double omega;
+        double zeta;
+        int ms;
+    };
+    std::mutex m_mutex;
+    std::vector<Entry> m_entries;
+};
+
+} // namespace
 
 Spring::Spring(double response, double dampingFraction)
     : m_omega(2 * std::numbers::pi / std::max(response, 0.01)),
       m_zeta(std::max(dampingFraction, 0.01))
 {
-    double settled = 0;
-    for (double t = 0; t < 10; t += 0.005) {
-        if (std::abs(1 - value(t)) > 0.001)
-            settled = t + 0.005;
-    }
-    m_durationMs = static_cast<int>(std::ceil(settled * 1000));
+    static SettleTimes cache;
+    m_durationMs = cache.get(m_omega, m_zeta, [this] {
+        double settled = 0;
+        for (double t = 0; t < 10; t += 0.005) {
+            if (std::abs(1 - value(t)) > 0.001)
+                settled = t + 0.005;
+        }
+        return static_cast<int>(std::ceil(settled * 1000));
+    });
 }
 
 double Spring::value(double t) const

@@ -4,6 +4,7 @@
 #include "ui/screens/BountyRow.h"
 #include "ui/screens/BountyView.h"
 #include "ui/screens/ProminentButton.h"
+#include "world/ui/MonsterGlyph.h"
 
 #include <QClipboard>
 #include <QContextMenuEvent>
@@ -226,6 +227,50 @@ private Q_SLOTS:
         QTest::mouseMove(row, QPoint(60, 10));
         QTRY_VERIFY(row->hot());
         QCOMPARE(m_s->played, std::vector<Sound::Sfx>{Sound::Sfx::hover(Tier::gremlin)});
+    }
+
+    void aDyingRowShowsTheBlastUntilItLeaves()
+    {
+        m_s->model->setAdvice(mixedAdvice());
+        BountyView board(*m_s->model, *m_s->game);
+        board.resize(900, 700);
+        board.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&board));
+        const auto blasts = [&board] {
+            QList<QLabel *> out;
+            for (QLabel *l : board.findChildren<QLabel *>())
+                if (l->text() == QStringLiteral("💥"))
+                    out << l;
+            return out;
+        };
+        // Nothing is dying: no row has built its blast.
+        QVERIFY(blasts().isEmpty());
+
+        const std::vector<BountyRow *> rows = board.rows();
+        const QPointer<BountyRow> cache(rows[0]);
+        const auto inRow = [&cache](const QWidget *w) {
+            return QRect(w->mapTo(cache.data(), QPoint(0, 0)), w->size());
+        };
+        MonsterGlyph *glyph = cache->findChild<MonsterGlyph *>();
+        const QPoint centre = inRow(glyph).center();
+        m_s->model->slay(at("cache"), *m_s->game);
+        QVERIFY(m_s->model->isDying(at("cache")->path()));
+        QCOMPARE(blasts().size(), 1);
+        QLabel *blast = blasts().front();
+        QVERIFY(cache->isAncestorOf(blast));
+        QVERIFY(blast->isVisible());
+        // It takes the monster's place and fills the 32-point frame.
+        QCOMPARE(blast->size(), QSize(32, 32));
+        QVERIFY((inRow(blast).center() - centre).manhattanLength() <= 1);
+        QVERIFY(!glyph->isVisible());
+        // The other rows keep their monsters.
+        for (std::size_t i = 1; i < rows.size(); ++i)
+            QVERIFY(rows[i]->findChild<MonsterGlyph *>()->isVisible());
+
+        // Once dead, the item leaves the board with its row.
+        QTRY_VERIFY(!cache);
+        QCOMPARE(board.rows().size(), 4u);
+        QVERIFY(blasts().isEmpty());
     }
 
     void slayingEverythingClearsTheBoard()

@@ -9,6 +9,7 @@
 
 #include <QGraphicsOpacityEffect>
 #include <QImage>
+#include <QScrollBar>
 
 using namespace Fixtures;
 using namespace TreeBuilder;
@@ -38,6 +39,30 @@ QByteArray makeTree()
             makeFile(r + "/many/f" + QByteArray::number(i), 100);
         makeFile(r + "/loose1", 3 * MB);
         makeFile(r + "/loose2", 3 * MB);
+        return r;
+    }();
+    return root;
+}
+
+// 40 folders, each smaller than the one before and holding more files, so that the metrics rank
+// them in nearly opposite orders; the largest holds 30 sub-folders of its own. Both lists are
+// taller than a window.
+QByteArray makeTallTree()
+{
+    static const QByteArray root = [] {
+        const QByteArray r = sandboxPath("tall");
+        makeDir(r);
+        for (int i = 0; i < 40; ++i) {
+            const QByteArray dir = r + "/f" + QByteArray::number(i);
+            makeDir(dir);
+            makeFile(dir + "/data", std::uint64_t(40 - i) * 100 * 1000);
+            for (int n = 0; n < i; ++n)
+                makeFile(dir + "/n" + QByteArray::number(n), 0);
+        }
+        for (int i = 0; i < 30; ++i) {
+            makeDir(r + "/f0/sub" + QByteArray::number(i));
+            makeFile(r + "/f0/sub" + QByteArray::number(i) + "/data", 100);
+        }
         return r;
     }();
     return root;
@@ -246,6 +271,50 @@ private Q_SLOTS:
 
         Model fresh;
         QVERIFY(TileMenu(fresh, game, tiles[3]).isEmpty());
+    }
+
+    // A focused row that is replaced must not drag the list down the column as it goes.
+    void replacingAFocusedRowKeepsTheListAtTheTop_data()
+    {
+        QTest::addColumn<bool>("enter");
+        QTest::newRow("metric switch") << false;
+        QTest::newRow("entering the folder") << true;
+    }
+
+    void replacingAFocusedRowKeepsTheListAtTheTop()
+    {
+        QFETCH(bool, enter);
+        QVERIFY(m_s->scan(makeTallTree()));
+        RankingView view(*m_s->model, *m_s->game);
+        view.resize(800, 400);
+        view.show();
+        view.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&view));
+        QScrollBar *bar = view.verticalScrollBar();
+        QCOMPARE(view.row(0)->tile().name, std::string("f0"));
+        QVERIFY(view.createdRows() > 15 && bar->maximum() > 0);
+        view.row(0)->setFocus(Qt::TabFocusReason);
+        QVERIFY(view.row(0)->hasFocus());
+        QCOMPARE(bar->value(), 0);
+
+        if (enter) {
+            QTest::keyClick(view.row(0), Qt::Key_Return);
+            QCOMPARE(m_s->model->current(), m_s->at("f0"));
+            QCOMPARE(view.tiles().size(), 31u); // and its loose files
+        } else {
+            m_s->model->setMetric(Metric::files);
+            QCOMPARE(view.tiles().front().name, std::string("f39"));
+        }
+        QVERIFY(bar->maximum() > 0);
+        QCOMPARE(bar->value(), 0);
+        QCOMPARE(QApplication::focusWidget(), &view);
+
+        // Tabbing on reaches the new first row, still without moving the list.
+        QTest::keyClick(&view, Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), view.row(0));
+        QCOMPARE(bar->value(), 0);
+        QTest::qWait(20); // the old rows are deleted on a later turn of the loop
+        QCOMPARE(bar->value(), 0);
     }
 
     void aDyingRowFadesAndSlidesThenLeaves()

@@ -18,7 +18,6 @@
 #include <QMenu>
 #include <QPainter>
 #include <QPushButton>
-#include <QStackedLayout>
 #include <QToolButton>
 
 namespace {
@@ -48,23 +47,12 @@ BountyRow::BountyRow(Model &model, Game &game, Advice item, QWidget *parent)
     row->setContentsMargins(8, 6, 8, 6);
     row->setSpacing(10);
 
-    auto *iconBox = new QWidget(this);
-    iconBox->setFixedSize(iconFrame, iconFrame);
-    m_icon = new QStackedLayout(iconBox);
-    m_icon->setContentsMargins(0, 0, 0, 0);
-    auto *glyphBox = new QWidget(iconBox);
-    auto *glyphLayout = new QHBoxLayout(glyphBox);
-    glyphLayout->setContentsMargins(0, 0, 0, 0);
-    m_glyph = new MonsterGlyph(Tiers::ofBytes(m_item.size), glyphSize, glyphBox);
-    glyphLayout->addWidget(m_glyph, 0, Qt::AlignCenter);
-    auto *boom = new QLabel(QStringLiteral("💥"), iconBox);
-    QFont boomFont = Emoji::font(12);
-    boomFont.setPixelSize(TextStyle::title2().pixelSize());
-    boom->setFont(boomFont);
-    boom->setAlignment(Qt::AlignCenter);
-    m_icon->addWidget(glyphBox);
-    m_icon->addWidget(boom);
-    row->addWidget(iconBox);
+    // A fixed frame, so its pieces are placed by hand: no layout to measure in every row.
+    m_iconBox = new QWidget(this);
+    m_iconBox->setFixedSize(iconFrame, iconFrame);
+    m_glyph = new MonsterGlyph(Tiers::ofBytes(m_item.size), glyphSize, m_iconBox);
+    m_glyph->move((iconFrame - glyphSize) / 2, (iconFrame - glyphSize) / 2);
+    row->addWidget(m_iconBox);
 
     auto *text = new QVBoxLayout;
     text->setSpacing(1);
@@ -148,7 +136,20 @@ void BountyRow::slay()
 
 void BountyRow::refreshDying()
 {
-    m_icon->setCurrentIndex(m_model.isDying(m_item.path) ? 1 : 0);
+    const bool dying = m_model.isDying(m_item.path);
+    // Made on the first death only: measuring a colour emoji decodes its bitmap glyph, which
+    // thousands of rows would pay for nothing.
+    if (dying && !m_boom) {
+        m_boom = new QLabel(QStringLiteral("💥"), m_iconBox);
+        QFont boomFont = Emoji::font(12);
+        boomFont.setPixelSize(TextStyle::title2().pixelSize());
+        m_boom->setFont(boomFont);
+        m_boom->setAlignment(Qt::AlignCenter);
+        m_boom->setGeometry(m_iconBox->rect());
+    }
+    m_glyph->setVisible(!dying);
+    if (m_boom)
+        m_boom->setVisible(dying);
 }
 
 void BountyRow::refreshIcons()

@@ -11,7 +11,6 @@ class Model;
 class QLabel;
 class QMenu;
 class QPushButton;
-class QStackedLayout;
 class QToolButton;
 
 // One recommendation on the board: its monster, name, reason and path, what it is worth, and the
@@ -48,8 +47,10 @@ private:
     Game &m_game;
     Advice m_item;
     bool m_hot = false;
-    QStackedLayout *m_icon;
+    QWidget *m_iconBox;
     MonsterGlyph *m_glyph;
+    // The "💥" shown instead of the monster, made when the item first dies.
+    QLabel *m_boom = nullptr;
     QLabel *m_kind;
     QToolButton *m_reveal;
     QToolButton *m_map = nullptr;

@@ -76,8 +76,7 @@ void RankingView::rebuildIfStale()
         if (!row)
             continue;
         if (m_freshRows) {
-            row->hide();
-            row->deleteLater();
+            retire(row);
         } else {
             kept.emplace(row->tile().id, row);
         }
@@ -92,11 +91,20 @@ void RankingView::rebuildIfStale()
         m_rows[i]->setEntry(int(i) + 1, m_tiles[i], fractionOf(m_tiles[i]));
         kept.erase(found);
     }
-    for (auto &[id, row] : kept) {
-        row->hide();
-        row->deleteLater();
-    }
+    for (auto &[id, row] : kept)
+        retire(row);
     placeRows();
+}
+
+void RankingView::retire(RankRow *row)
+{
+    // Hiding a focused row hands the focus to the next one, which scrolls the list to itself: down
+    // the whole column when every row goes. The list keeps the focus instead.
+    const QWidget *focused = row->window()->focusWidget();
+    if (focused && (focused == row || row->isAncestorOf(focused)))
+        setFocus(Qt::OtherFocusReason);
+    row->hide();
+    row->deleteLater();
 }
 
 void RankingView::placeRows()

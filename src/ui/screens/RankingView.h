@@ -46,6 +46,7 @@ protected:
 private:
     void invalidate(bool freshRows);
     void rebuildIfStale();
+    void retire(RankRow *row);
     void placeRows();
     void materialize(int from, int to);
     void materializeVisible();
