@@ -1,5 +1,7 @@
 #include "platform/Emoji.h"
 
+#include "platform/PaintScale.h"
+
 #include <QFontInfo>
 #include <QFontMetricsF>
 #include <QGuiApplication>
@@ -105,10 +107,7 @@ void Emoji::drawCentered(QPainter &painter, const QString &emoji, const QPointF 
         drawText(painter, emoji, centre, pixelSize, ink);
         return;
     }
-    // Quarter steps of a doubling: animated scales share a handful of images.
-    const double exact =
-        painter.device()->devicePixelRatioF() * std::max(std::abs(t.m11()), std::abs(t.m22()));
-    const double scale = std::exp2(std::ceil(std::log2(std::max(exact, 0.01)) * 4 - 1e-9) / 4);
+    const double scale = PaintScale::quantized(painter);
     const QString key = QStringLiteral("dustmere-emoji/%1/%2/%3/%4")
                             .arg(emoji)
                             .arg(qRound(pixelSize * 8))

@@ -21,13 +21,6 @@ QByteArray tree()
     return QFile::encodeName(TestSandbox::instance()->root()) + "/tree";
 }
 
-struct Run
-{
-    int exitCode = -1;
-    QByteArray out;
-    QByteArray err;
-};
-
 Run dustmere(const QStringList &args,
              const QProcessEnvironment &env = QProcessEnvironment::systemEnvironment())
 {

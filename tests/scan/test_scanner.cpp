@@ -7,7 +7,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <future>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -240,19 +239,13 @@ private Q_SLOTS:
         chmod(top + "/locked", 0);
         chmod(top + "/open/locked too", 0);
 
-        QProcess p;
-        p.start(QStringLiteral("setpriv"),
-                {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
-                 QStringLiteral("--clear-groups"), qEnvironmentVariable("DUSTMERE_BINARY"),
-                 QStringLiteral("--scan=") + dir.path(), QStringLiteral("--report=json"),
-                 currentWalk() == Scanner::Walk::fts ? QStringLiteral("--walker=fts")
-                                                     : QStringLiteral("--walker=shared")});
-        QVERIFY(p.waitForFinished(60'000));
-        if (p.exitCode() != 0 && p.readAllStandardError().contains("setpriv"))
+        const Run run = reportAsNobody(dir.path(), currentWalk() == Scanner::Walk::fts
+                                                       ? QStringLiteral("fts")
+                                                       : QStringLiteral("shared"));
+        if (run.exitCode != 0 && run.err.contains("setpriv"))
             QSKIP("setpriv cannot switch users here");
-        QCOMPARE(p.exitCode(), 0);
-        const QJsonObject root =
-            QJsonDocument::fromJson(p.readAllStandardOutput())["root"].toObject();
+        QCOMPARE(run.exitCode, 0);
+        const QJsonObject root = QJsonDocument::fromJson(run.out)["root"].toObject();
         QJsonObject locked, open;
         for (const QJsonValue v : root["children"].toArray()) {
             (v["name"] == QStringLiteral("locked") ? locked : open) = v.toObject();

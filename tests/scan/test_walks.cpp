@@ -4,7 +4,6 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <atomic>
 #include <fcntl.h>
 #include <future>
@@ -60,15 +59,10 @@ bool mount(const QByteArray &source, const QByteArray &where, const char *type, 
 
 QByteArray reportRoot(const QString &path, const char *walker)
 {
-    QProcess p;
-    p.start(QStringLiteral("setpriv"),
-            {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
-             QStringLiteral("--clear-groups"), qEnvironmentVariable("DUSTMERE_BINARY"),
-             QStringLiteral("--scan=") + path, QStringLiteral("--report=json"),
-             QStringLiteral("--walker=") + QLatin1StringView(walker)});
-    if (!p.waitForFinished(60'000) || p.exitCode() != 0)
+    const Run run = reportAsNobody(path, QString::fromLatin1(walker));
+    if (run.exitCode != 0)
         return {};
-    const QJsonObject root = QJsonDocument::fromJson(p.readAllStandardOutput())["root"].toObject();
+    const QJsonObject root = QJsonDocument::fromJson(run.out)["root"].toObject();
     return QJsonDocument(root).toJson(QJsonDocument::Compact);
 }
 

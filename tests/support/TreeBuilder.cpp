@@ -124,4 +124,17 @@ Totals findTotals(const QByteArray &root)
     return t;
 }
 
+Run reportAsNobody(const QString &folder, const QString &walker)
+{
+    QProcess p;
+    p.start(QStringLiteral("setpriv"),
+            {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
+             QStringLiteral("--clear-groups"), qEnvironmentVariable("DUSTMERE_BINARY"),
+             QStringLiteral("--scan=") + folder, QStringLiteral("--report=json"),
+             QStringLiteral("--walker=") + walker});
+    if (!p.waitForFinished(60'000))
+        return {};
+    return {p.exitCode(), p.readAllStandardOutput(), p.readAllStandardError()};
+}
+
 } // namespace TreeBuilder

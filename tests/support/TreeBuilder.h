@@ -38,4 +38,14 @@ struct Totals
 };
 [[nodiscard]] Totals findTotals(const QByteArray &root);
 
+// `dustmere --scan=FOLDER --report=json --walker=WALKER` run as the unprivileged user 65534 with
+// setpriv (root reads everything, so unreadable folders are only unreadable to someone else).
+struct Run
+{
+    int exitCode = -1;
+    QByteArray out;
+    QByteArray err;
+};
+[[nodiscard]] Run reportAsNobody(const QString &folder, const QString &walker);
+
 } // namespace TreeBuilder

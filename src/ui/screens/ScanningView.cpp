@@ -23,6 +23,15 @@
 #include <algorithm>
 #include <unordered_set>
 
+namespace {
+
+std::string childPathOf(const std::string &base, const std::string &name)
+{
+    return base.empty() || base.back() == '/' ? base + name : base + "/" + name;
+}
+
+} // namespace
+
 ScanningView::ScanningView(Model &model, Game &game, bool reduceMotion, QWidget *parent)
     : QWidget(parent), m_model(model), m_game(game), m_reduceMotion(reduceMotion),
       m_island(new IslandRenderer(this)), m_ambient(new AmbientLayer(reduceMotion, this)),
@@ -85,8 +94,7 @@ QString ScanningView::folderName() const
 
 std::string ScanningView::childPath(const std::string &name) const
 {
-    const std::string &base = m_model.scanPath();
-    return base.empty() || base.back() == '/' ? base + name : base + "/" + name;
+    return childPathOf(m_model.scanPath(), name);
 }
 
 QString ScanningView::heading() const
@@ -173,13 +181,10 @@ void ScanningView::rebuildIsland()
     request.layout = [tiles = std::move(tiles), explored = std::move(explored),
                       base = m_model.scanPath(), names = m_game.customNames(),
                       fantasy = m_game.fantasyNames(), size = QSizeF(size())] {
-        const auto pathOf = [&base](const std::string &name) {
-            return base.empty() || base.back() == '/' ? base + name : base + "/" + name;
-        };
         const auto title = [&](const Tile &tile, std::optional<Tier> tier) {
             if (!tile.folder())
                 return QFile::decodeName(QByteArray::fromStdString(tile.name));
-            return Lore::placeName(pathOf(tile.name), tile.name, tier, names, fantasy);
+            return Lore::placeName(childPathOf(base, tile.name), tile.name, tier, names, fantasy);
         };
         return WorldLayout::build(
             tiles, base, size, [&explored](const std::string &p) { return explored.contains(p); },

@@ -1,6 +1,7 @@
 #include "world/ui/Stamps.h"
 
 #include "platform/Emoji.h"
+#include "platform/PaintScale.h"
 #include "world/ui/MonsterArt.h"
 
 #include <QPaintDevice>
@@ -21,10 +22,7 @@ QString keyOf(const QString &what, int px, const QColor &tint = QColor())
 
 double Stamps::scaleOf(const QPainter &painter)
 {
-    const double device = painter.device() ? painter.device()->devicePixelRatioF() : 1.0;
-    const QTransform &t = painter.worldTransform();
-    const double scale = device * std::max(std::hypot(t.m11(), t.m12()), 0.01);
-    return std::exp2(std::ceil(std::log2(scale) * 4 - 1e-9) / 4);
+    return PaintScale::quantized(painter);
 }
 
 void Stamps::makeRoom()
