@@ -72,6 +72,9 @@ QPointF Player::cameraOffset() const
 
 void Player::update(const WorldLayout &layout, QSizeF viewSize)
 {
+    // An index into another island's regions names some unrelated territory there.
+    if (m_layout && m_layout->key != layout.key)
+        m_hintValid = false;
     m_layout = layout;
     m_viewSize = viewSize;
     QMetaObject::invokeMethod(
@@ -200,7 +203,9 @@ void Player::refresh(bool force)
 {
     if (!m_layout)
         return;
-    const std::optional<int> found = m_layout->regionIndex(heroPoint(), m_regionIndex);
+    const std::optional<int> found =
+        m_layout->regionIndex(heroPoint(), m_hintValid ? m_regionIndex : std::nullopt);
+    m_hintValid = true;
     if (found != m_regionIndex || force) {
         const bool changed = found != m_regionIndex;
         m_regionIndex = found;

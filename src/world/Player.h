@@ -97,6 +97,7 @@ private:
     bool m_facingLeft = false;
     bool m_moving = false;
     std::optional<int> m_regionIndex;
+    bool m_hintValid = true; // whether m_regionIndex belongs to the layout now stored
     bool m_nearMonster = false;
     std::optional<Floater> m_floater;
     std::vector<SpellFX> m_effects;

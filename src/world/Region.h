@@ -35,4 +35,21 @@ struct Region
     [[nodiscard]] bool hasLabel() const { return rect.width() > 64 && rect.height() > 44; }
     // The monster's size; it also sets the hero's reach and the label's offset.
     [[nodiscard]] double monsterSize() const { return std::clamp(0.3 * shortSide(), 18.0, 56.0); }
+
+    // Where the hero lands when he comes up from this territory: just right of the monster, or,
+    // where the warped coast or a border cuts that spot off, the first of a few others that still
+    // lies inside the territory.
+    [[nodiscard]] QPointF besideMonster() const
+    {
+        const double offset = 1.1 * monsterSize();
+        for (const double scale : {1.0, 0.6, 0.3}) {
+            for (const QPointF step :
+                 {QPointF(1, 0), QPointF(-1, 0), QPointF(0, 1), QPointF(0, -1)}) {
+                const QPointF spot = capital + scale * offset * step;
+                if (shape.contains(spot))
+                    return spot;
+            }
+        }
+        return capital;
+    }
 };

@@ -281,6 +281,21 @@ private Q_SLOTS:
         QCOMPARE(built.regionIndex({5, 5}, 0), std::nullopt);
     }
 
+    void theHeroLandsInsideTheTerritoryHeLeft()
+    {
+        // Monster size 30: the spot 33 to the right is in the sea, so he lands 33 to the left;
+        // in a sliver no spot beside it fits and he stands on the monster's own place.
+        Region r;
+        r.tier = Tier::gremlin;
+        r.rect = QRectF(0, 0, 100, 100);
+        r.shape.addRect(0, 0, 80, 100);
+        r.capital = {60, 50};
+        QCOMPARE(r.besideMonster(), QPointF(27, 50));
+        r.shape = QPainterPath();
+        r.shape.addRect(55, 45, 10, 10);
+        QCOMPARE(r.besideMonster(), QPointF(60, 50));
+    }
+
     void waveRows()
     {
         QVERIFY(buildPlain({}, "/", QSizeF(800, 14)).waves.empty());

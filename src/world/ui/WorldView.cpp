@@ -162,8 +162,7 @@ void WorldView::placeAfterLevelChange(const NodePtr &previous)
         for (const Region &r : layout->regions) {
             const NodePtr *folder = r.tile.folder();
             if (folder && *folder == previous) {
-                // Just right of the monster of the folder he came up from.
-                m_player->jump(r.capital + QPointF(1.1 * r.monsterSize(), 0));
+                m_player->jump(r.besideMonster());
                 return;
             }
         }
