@@ -128,7 +128,7 @@ void SpellCaster::teleport(QPointF hero)
                                    [&standing](int i) { return !standing || i != *standing; });
     const Region &chosen =
         regions[std::size_t(away != candidates.end() ? *away : candidates.front())];
-    const QPointF destination(chosen.capital.x() + chosen.monsterSize() * 1.1, chosen.capital.y());
+    const QPointF destination = chosen.besideMonster();
 
     spend(Spell::teleport);
     m_player.add(SpellFX::make(SpellFX::Kind::swirl, {hero, destination}, teleportDuration,

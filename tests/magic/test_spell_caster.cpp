@@ -253,17 +253,19 @@ private Q_SLOTS:
         const Region &beta = region("beta");
         QVERIFY(alpha.hasMonster() && beta.hasMonster());
 
-        // Standing in the sea: the biggest monster.
-        m_player->jump({5, 5});
+        // Standing in the sea (where the random coast leaves some): the biggest monster.
+        QPointF sea;
+        for (double x = 0; x < 800 && m_player->layout()->regionIndex(sea, {}); x += 5)
+            sea = {x, 2};
+        m_player->jump(sea);
         QVERIFY(!m_player->regionIndex());
         m_caster->cast(Spell::teleport);
-        const QPointF besideAlpha = alpha.capital + QPointF(alpha.monsterSize() * 1.1, 0);
+        const QPointF besideAlpha = alpha.besideMonster();
         QCOMPARE(m_player->effects().front().kind, SpellFX::Kind::swirl);
-        QCOMPARE(m_player->effects().front().points,
-                 (std::vector<QPointF>{QPointF(5, 5), besideAlpha}));
+        QCOMPARE(m_player->effects().front().points, (std::vector<QPointF>{sea, besideAlpha}));
         QCOMPARE(m_player->effects().front().duration, 0.8);
         m_clock->advance(0.29);
-        QCOMPARE(m_player->heroPoint(), QPointF(5, 5));
+        QCOMPARE(m_player->heroPoint(), sea);
         m_clock->advance(0.01);
         QCOMPARE(m_player->heroPoint(), besideAlpha);
         QCOMPARE(m_magic->mana(), 4.0);
@@ -273,7 +275,7 @@ private Q_SLOTS:
         QCOMPARE(m_player->currentRegion()->path, alpha.path);
         m_caster->cast(Spell::teleport);
         m_clock->advance(0.3);
-        QCOMPARE(m_player->heroPoint(), beta.capital + QPointF(beta.monsterSize() * 1.1, 0));
+        QCOMPARE(m_player->heroPoint(), beta.besideMonster());
         QCOMPARE(m_magic->mana(), 3.0);
     }
 
