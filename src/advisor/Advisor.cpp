@@ -284,15 +284,7 @@ std::int64_t Advisor::Context::defaultNow()
 
 std::string Advisor::Context::defaultTrash()
 {
-    std::string data;
-    // A relative XDG_DATA_HOME is invalid and ignored, as the base-directory rules say.
-    if (const char *env = std::getenv("XDG_DATA_HOME"); env && *env == '/')
-        data = env;
-    else
-        data = Home::path() + "/.local/share";
-    while (data.size() > 1 && data.back() == '/')
-        data.pop_back();
-    return data == "/" ? "/Trash" : data + "/Trash";
+    return Home::trash();
 }
 
 std::vector<Advice> Advisor::advise(const NodePtr &root, const std::vector<BigFile> &bigFiles,

@@ -1,144 +1,301 @@
 #include "platform/FreedesktopTrash.h"
 
+#include "platform/DisplayName.h"
 #include "platform/Home.h"
 #include "platform/Paths.h"
 
-#include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
-#include <QUrl>
 #include <cerrno>
-#include <cstdlib>
+#include <climits>
+#include <cstdio>
 #include <cstring>
+#include <ctime>
+#include <fcntl.h>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
-std::string parentOf(const std::string &path)
+// A trash folder chosen for one item: it holds files/ and info/.
+struct Bin
 {
-    return std::string(Paths::parent(path));
+    std::string folder;
+    std::string topdir; // empty for the home Trash, whose Path= lines are absolute
+};
+
+struct Refusal
+{
+    QString why;
+};
+
+std::string join(std::string_view folder, std::string_view name)
+{
+    std::string path(folder);
+    if (!path.ends_with('/'))
+        path += '/';
+    path += name;
+    return path;
 }
 
-std::string nameOf(const std::string &path)
+QString reason(int error)
 {
-    return std::string(Paths::lastComponent(path));
+    return QString::fromLocal8Bit(std::strerror(error)).toLower();
 }
 
-QString shown(const std::string &bytes)
+// The device of the nearest folder on the way to `path` that exists.
+std::optional<dev_t> deviceOf(std::string path)
 {
-    return QFile::decodeName(QByteArray::fromStdString(bytes));
+    struct stat st;
+    while (stat(path.c_str(), &st) != 0) {
+        if (path == "/")
+            return std::nullopt;
+        path = std::string(Paths::parent(path));
+    }
+    return st.st_dev;
 }
 
-void makeDirs(const std::string &path, mode_t mode)
+// The top of the file system that holds `path`: its highest folder on the same device.
+std::string topdirOf(const std::string &path, dev_t device)
+{
+    std::string top(Paths::parent(path));
+    while (top != "/") {
+        const std::string up(Paths::parent(top));
+        struct stat st;
+        if (lstat(up.c_str(), &st) != 0 || st.st_dev != device)
+            break;
+        top = up;
+    }
+    return top;
+}
+
+// Creates a missing folder (0700); 0 when `path` is then a real folder, not a link to one, and
+// belongs to us where that is asked for; else why not.
+int ensureFolder(const std::string &path, bool mustOwn)
+{
+    if (mkdir(path.c_str(), 0700) != 0 && errno != EEXIST)
+        return errno;
+    struct stat st;
+    if (lstat(path.c_str(), &st) != 0)
+        return errno;
+    if (!S_ISDIR(st.st_mode))
+        return ENOTDIR;
+    if (mustOwn && st.st_uid != getuid())
+        return EPERM;
+    return 0;
+}
+
+int ensureBin(const std::string &folder, bool mustOwn)
+{
+    int error = ensureFolder(folder, mustOwn);
+    for (const char *sub : {"files", "info"}) {
+        if (error == 0)
+            error = ensureFolder(join(folder, sub), mustOwn);
+    }
+    return error;
+}
+
+// Creates the home Trash and the folders above it that are missing (0700, as the base-directory
+// rules want). The home Trash itself may be a link the user made.
+int ensureHomeBin(const std::string &trash)
 {
     std::string partial;
-    for (std::size_t i = 1; i <= path.size(); ++i) {
-        if (i == path.size() || path[i] == '/') {
-            partial = path.substr(0, i);
-            if (mkdir(partial.c_str(), mode) != 0 && errno != EEXIST)
-                return;
-        }
+    for (std::size_t slash = trash.find('/', 1); slash != std::string::npos;
+         slash = trash.find('/', slash + 1)) {
+        partial = trash.substr(0, slash);
+        if (mkdir(partial.c_str(), 0700) != 0 && errno != EEXIST)
+            return errno;
     }
+    for (const std::string &folder : {trash, join(trash, "files"), join(trash, "info")}) {
+        struct stat st;
+        if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST)
+            return errno;
+        if (stat(folder.c_str(), &st) != 0)
+            return errno;
+        if (!S_ISDIR(st.st_mode))
+            return ENOTDIR;
+    }
+    return 0;
 }
 
-// The trash specification wants Path= escaped as in URIs; Qt 6.4 writes it raw, which a file
-// manager would misread for names holding '%'.
-void escapeInfoPath(const std::string &infoPath, const std::string &original)
+std::variant<Bin, Refusal> binFor(const std::string &path, dev_t device)
 {
-    QFile info(QFile::decodeName(QByteArray::fromStdString(infoPath)));
-    if (!info.open(QIODevice::ReadOnly))
-        return;
-    QByteArray text = info.readAll();
-    info.close();
-    const qsizetype start = text.indexOf("\nPath=");
-    if (start < 0)
-        return;
-    const qsizetype valueStart = start + 6;
-    const qsizetype end = text.indexOf('\n', valueStart);
-    const QByteArray raw = text.mid(valueStart, end < 0 ? -1 : end - valueStart);
-    // Only a raw copy of the original path (absolute, or relative to a mount's top) is ours to fix.
-    const std::string value = raw.toStdString();
-    const bool isRaw =
-        value == original || (original.size() > value.size() && original.ends_with("/" + value));
-    if (!isRaw)
-        return;
-    text.replace(valueStart, raw.size(), QUrl::toPercentEncoding(QString::fromUtf8(raw), "/"));
-    QSaveFile out(info.fileName());
-    if (out.open(QIODevice::WriteOnly) && out.write(text) == text.size())
-        out.commit();
+    const std::string home = Home::trash();
+    if (deviceOf(home) == device) {
+        if (const int error = ensureHomeBin(home))
+            return Refusal{
+                QStringLiteral("the Trash folder can't be used (%1)").arg(reason(error))};
+        return Bin{home, {}};
+    }
+    const std::string top = topdirOf(path, device);
+    const std::string uid = std::to_string(getuid());
+    const std::string shared = join(top, ".Trash");
+    struct stat st;
+    if (lstat(shared.c_str(), &st) == 0 && S_ISDIR(st.st_mode) && (st.st_mode & S_ISVTX) &&
+        ensureBin(join(shared, uid), true) == 0)
+        return Bin{join(shared, uid), top};
+    const std::string own = join(top, ".Trash-" + uid);
+    if (const int error = ensureBin(own, true)) {
+        return Refusal{QStringLiteral("the drive it is on has no Trash Dustmere can use (%1)")
+                           .arg(reason(error))};
+    }
+    return Bin{own, top};
+}
+
+// Path= is escaped as in a URI, so a name with '%', spaces or line breaks reads back exactly.
+std::string percentEncoded(std::string_view bytes)
+{
+    static constexpr char hex[] = "0123456789ABCDEF";
+    std::string out;
+    for (const char b : bytes) {
+        const auto c = static_cast<unsigned char>(b);
+        const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+                           (c >= '0' && c <= '9') || std::strchr("-._~/", c) != nullptr;
+        if (plain && c != 0) {
+            out += b;
+        } else {
+            out += '%';
+            out += hex[c >> 4];
+            out += hex[c & 0xF];
+        }
+    }
+    return out;
+}
+
+std::string infoText(const std::string &path, const Bin &bin)
+{
+    std::string original = path;
+    if (!bin.topdir.empty())
+        original = path.substr(bin.topdir == "/" ? 1 : bin.topdir.size() + 1);
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    char date[32];
+    std::strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S", &local);
+    return "[Trash Info]\nPath=" + percentEncoded(original) + "\nDeletionDate=" + date + "\n";
+}
+
+// "name", then "name.2", "name.3", …, each short enough to take ".trashinfo" within NAME_MAX.
+std::string candidate(std::string_view name, int n)
+{
+    const std::string suffix = n == 1 ? std::string() : "." + std::to_string(n);
+    const std::size_t room = NAME_MAX - std::strlen(".trashinfo") - suffix.size();
+    if (name.size() > room) {
+        name = name.substr(0, room);
+        // Cut at a character's start rather than inside a multi-byte one.
+        while (!name.empty() && (static_cast<unsigned char>(name.back()) & 0xC0) == 0x80)
+            name.remove_suffix(1);
+        if (!name.empty() && static_cast<unsigned char>(name.back()) >= 0xC0)
+            name.remove_suffix(1);
+    }
+    return std::string(name) + suffix;
+}
+
+bool writeAll(int fd, const std::string &text)
+{
+    for (std::size_t done = 0; done < text.size();) {
+        const ssize_t n = write(fd, text.data() + done, text.size() - done);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        done += std::size_t(n);
+    }
+    return true;
+}
+
+// rename(2) that never replaces an existing item; where the file system cannot promise that,
+// the caller has just seen that nothing is there.
+int moveWithoutReplacing(const std::string &from, const std::string &to)
+{
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return 0;
+    if (errno != EINVAL && errno != ENOSYS)
+        return errno;
+    return std::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+}
+
+QString moveFailure(int error)
+{
+    switch (error) {
+    case EXDEV:
+        return QStringLiteral("it lies on another file system than its Trash, and Dustmere moves "
+                              "items, it never copies them");
+    case EBUSY:
+        return QStringLiteral("it is in use or a mount point");
+    default:
+        return reason(error);
+    }
 }
 
 } // namespace
 
-std::string FreedesktopTrash::homeTrash()
+TrashCan::Result FreedesktopTrash::moveToTrash(const std::string &rawPath)
 {
-    const char *data = std::getenv("XDG_DATA_HOME");
-    const std::string base =
-        data && data[0] == '/' ? std::string(data) : Home::path() + "/.local/share";
-    return base + "/Trash";
-}
+    const std::string path = Paths::clean(rawPath);
+    const QString name = DisplayName::of(Paths::lastComponent(path));
+    const auto failed = [&name](const QString &why) {
+        return Failed{QStringLiteral("“%1” couldn't be moved to the Trash: %2.").arg(name, why)};
+    };
+    if (!path.starts_with('/') || path == "/")
+        return failed(QStringLiteral("its path is not a full path"));
 
-bool FreedesktopTrash::isInsideTrashFiles(const std::string &path)
-{
-    if (path.empty() || path[0] != '/' || path.find("/../") != std::string::npos)
-        return false;
-    const std::string files = parentOf(path);
-    if (nameOf(files) != "files")
-        return false;
-    const std::string trash = parentOf(files);
-    if (trash == homeTrash())
-        return true;
-    const std::string uid = std::to_string(getuid());
-    const std::string trashName = nameOf(trash);
-    // A file system's own trash: $topdir/.Trash-$uid, or $topdir/.Trash/$uid.
-    return trashName == ".Trash-" + uid ||
-           (trashName == uid && nameOf(parentOf(trash)) == ".Trash");
-}
+    // lstat: a symlink goes to the Trash as a link, even one that points nowhere.
+    struct stat item;
+    struct stat parent;
+    if (lstat(path.c_str(), &item) != 0)
+        return failed(reason(errno));
+    const std::string folder(Paths::parent(path));
+    if (lstat(folder.c_str(), &parent) != 0)
+        return failed(reason(errno));
+    if (parent.st_dev != item.st_dev)
+        return failed(QStringLiteral("it is a mount point; unmount it instead"));
 
-TrashCan::Result FreedesktopTrash::moveToTrash(const std::string &path)
-{
-    const QString name = shown(nameOf(path));
-    // Qt addresses files by QString. A name that is not valid UTF-8 would come back as a
-    // different name, possibly another file's, so such an item is refused rather than risked.
-    const QString qtPath = shown(path);
-    if (QFile::encodeName(qtPath).toStdString() != path) {
-        return Failed{QStringLiteral("“%1” has a name Dustmere can't pass to the Trash safely. "
-                                     "Move it to the Trash from your file manager.")
-                          .arg(name)};
-    }
-    struct stat st;
-    if (lstat(path.c_str(), &st) != 0)
-        return Failed{QStringLiteral("“%1” couldn't be moved to the Trash: %2.")
-                          .arg(name, QString::fromLocal8Bit(std::strerror(errno)))};
-
-    const std::string trash = homeTrash();
-    makeDirs(trash + "/files", 0700);
-    makeDirs(trash + "/info", 0700);
-
-    QFile file(qtPath);
-    if (!file.moveToTrash())
-        return Failed{QStringLiteral("“%1” couldn't be moved to the Trash: %2.")
-                          .arg(name, file.errorString())};
-
-    const std::string landed = QFile::encodeName(file.fileName()).toStdString();
-    if (isInsideTrashFiles(landed)) {
-        escapeInfoPath(parentOf(parentOf(landed)) + "/info/" + nameOf(landed) + ".trashinfo", path);
-        return Moved{landed};
+    const auto chosen = binFor(path, item.st_dev);
+    if (const auto *refusal = std::get_if<Refusal>(&chosen))
+        return failed(refusal->why);
+    const Bin &bin = std::get<Bin>(chosen);
+    if (Paths::isUnder(path, bin.folder) || Paths::isUnder(bin.folder, path))
+        return failed(QStringLiteral("it is part of the Trash"));
+    // Checked before anything is written, so a read-only drive or folder fails at once.
+    for (const std::string &writable :
+         {folder, join(bin.folder, "files"), join(bin.folder, "info")}) {
+        if (access(writable.c_str(), W_OK | X_OK) != 0)
+            return failed(reason(errno));
     }
 
-    // It went somewhere that is not a trash: put it back where it was.
-    const std::string absolute =
-        landed[0] == '/' ? landed
-                         : QFile::encodeName(QFileInfo(file).absoluteFilePath()).toStdString();
-    if (rename(absolute.c_str(), path.c_str()) == 0) {
-        // Only the bookkeeping Qt wrote for the bogus move goes; the folders go only if empty.
-        const std::string base = parentOf(parentOf(absolute));
-        unlink((base + "/info/" + nameOf(absolute) + ".trashinfo").c_str());
-        rmdir((base + "/info").c_str());
-        rmdir((base + "/files").c_str());
+    const std::string text = infoText(path, bin);
+    const std::string_view base = Paths::lastComponent(path);
+    for (int n = 1; n <= maxNames; ++n) {
+        const std::string trashName = candidate(base, n);
+        const std::string info = join(bin.folder, "info/" + trashName + ".trashinfo");
+        const int fd =
+            open(info.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+        if (fd < 0) {
+            if (errno == EEXIST)
+                continue;
+            return failed(reason(errno));
+        }
+        // From here on the .trashinfo is ours, and the only thing a failure takes back.
+        const std::string target = join(bin.folder, "files/" + trashName);
+        struct stat st;
+        if (lstat(target.c_str(), &st) == 0) { // an item left without its info keeps its name
+            close(fd);
+            unlink(info.c_str());
+            continue;
+        }
+        const bool written = writeAll(fd, text);
+        const int writeError = errno;
+        if (close(fd) != 0 || !written) {
+            unlink(info.c_str());
+            return failed(reason(written ? errno : writeError));
+        }
+        if (const int error = moveWithoutReplacing(path, target)) {
+            unlink(info.c_str());
+            if (error == EEXIST || error == ENOTEMPTY)
+                continue;
+            return failed(moveFailure(error));
+        }
+        return Moved{target};
     }
-    return Failed{
-        QStringLiteral("“%1” couldn't be moved to the Trash: no usable Trash folder was found.")
-            .arg(name)};
+    return failed(QStringLiteral("the Trash already holds too many items of that name"));
 }

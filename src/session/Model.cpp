@@ -11,8 +11,6 @@
 #include <QtConcurrent/QtConcurrentRun>
 #include <algorithm>
 
-namespace {} // namespace
-
 Model::Model(QObject *parent)
     : QObject(parent), m_scanPath(Home::path()), m_trash(std::make_unique<FreedesktopTrash>()),
       m_desktop(std::make_unique<Desktop>())
@@ -34,8 +32,10 @@ void Model::play(const Sound::Sfx &sfx) const
         Sound::shared().play(sfx);
 }
 
-void Model::setScanPath(std::string path)
+void Model::setScanPath(const std::string &spelled)
 {
+    // Node paths, the advisor, the protected-item rule and the Trash all build on this one.
+    std::string path = Paths::absolute(spelled, Paths::currentFolder());
     if (path == m_scanPath)
         return;
     m_scanPath = std::move(path);
@@ -322,7 +322,7 @@ void Model::reveal(const std::string &path)
 
 void Model::openTrash()
 {
-    m_desktop->openTrash(FreedesktopTrash::homeTrash());
+    m_desktop->openTrash(Home::trash());
 }
 
 void Model::setDying(std::optional<Dying> dying)
@@ -334,7 +334,7 @@ void Model::setDying(std::optional<Dying> dying)
 bool Model::canSlay(std::string_view path) const
 {
     const std::optional<std::string> scanRoot = m_root ? m_root->basePath() : std::nullopt;
-    return SlayRules::canSlay(path, Home::path(), scanRoot, FreedesktopTrash::homeTrash());
+    return SlayRules::canSlay(path, Home::path(), scanRoot, Home::trash());
 }
 
 bool Model::canSlay(const Node &node) const

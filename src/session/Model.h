@@ -89,7 +89,8 @@ public:
     [[nodiscard]] double zoomScale() const { return zoomScales[std::size_t(m_zoomLevel)]; }
     [[nodiscard]] const std::shared_ptr<Scanner> &scanner() const { return m_scanner; }
 
-    void setScanPath(std::string path);
+    // Made absolute against the working folder and cleaned.
+    void setScanPath(const std::string &path);
     void setMetric(Metric metric);
     void setMode(Mode mode);
     void setHovered(std::optional<Tile> tile);

@@ -4,23 +4,47 @@
 
 #include <array>
 
-bool SlayRules::canSlay(std::string_view path, std::string_view home,
-                        const std::optional<std::string> &scanRoot, std::string_view homeTrash)
+namespace {
+
+bool isAncestor(std::string_view folder, std::string_view of)
 {
-    if (scanRoot && path == *scanRoot)
-        return false;
+    return of.size() > folder.size() && Paths::isUnder(of, folder);
+}
 
-    int pieces = 0;
-    for (std::size_t i = 0; i < path.size(); ++i) {
-        if (path[i] != '/' && (i == 0 || path[i - 1] == '/'))
-            ++pieces;
+// Trash folders of other file systems: $topdir/.Trash (which holds $topdir/.Trash/$uid) and
+// $topdir/.Trash-$uid, wherever they are, with everything in them.
+bool isInAnyTrash(std::string_view path)
+{
+    for (std::size_t start = 1; start < path.size();) {
+        std::size_t end = path.find('/', start);
+        if (end == std::string_view::npos)
+            end = path.size();
+        const std::string_view piece = path.substr(start, end - start);
+        if (piece == ".Trash" || piece.starts_with(".Trash-"))
+            return true;
+        start = end + 1;
     }
-    if (pieces <= 1)
-        return false;
+    return false;
+}
 
-    if (path == home)
+} // namespace
+
+bool SlayRules::canSlay(std::string_view rawPath, std::string_view rawHome,
+                        const std::optional<std::string> &scanRoot, std::string_view rawHomeTrash)
+{
+    if (!rawPath.starts_with('/'))
         return false;
-    if (home.starts_with(path) && home.size() > path.size() && home[path.size()] == '/')
+    const std::string path = Paths::clean(rawPath);
+    const std::string home = Paths::clean(rawHome);
+    const std::string homeTrash = Paths::clean(rawHomeTrash);
+    if (scanRoot && path == Paths::clean(*scanRoot))
+        return false;
+    // "/" and every top-level folder.
+    if (path.find('/', 1) == std::string::npos)
+        return false;
+    if (path == home || isAncestor(path, home))
+        return false;
+    if (Paths::isUnder(path, homeTrash) || isAncestor(path, homeTrash) || isInAnyTrash(path))
         return false;
 
     static constexpr std::array<std::string_view, 23> systemPrefixes = {
@@ -28,6 +52,9 @@ bool SlayRules::canSlay(std::string_view path, std::string_view home,
         "/dev",    "/etc", "/var",  "/boot", "/lib",     "/lib32",   "/lib64", "/libx32",
         "/run",    "/srv", "/proc", "/sys",  "/root",    "/snap",    "/nix"};
     for (std::string_view prefix : systemPrefixes) {
+        // The root user's own home lies under /root; the home rules below guard it instead.
+        if (prefix == "/root" && Paths::isUnder(home, prefix))
+            continue;
         if (Paths::isUnder(path, prefix))
             return false;
     }
@@ -35,12 +62,13 @@ bool SlayRules::canSlay(std::string_view path, std::string_view home,
     static constexpr std::array<std::string_view, 14> homeFolders = {
         "Desktop", "Documents",    "Downloads", "Library", "Movies",    "Music",  "Pictures",
         "Public",  "Applications", ".Trash",    "Videos",  "Templates", ".local", ".config"};
-    if (path.size() > home.size() + 1 && path.starts_with(home) && path[home.size()] == '/') {
-        const std::string_view rest = path.substr(home.size() + 1);
+    if (isAncestor(home, path)) {
+        const std::string_view rest =
+            std::string_view(path).substr(home == "/" ? 1 : home.size() + 1);
         for (std::string_view folder : homeFolders) {
             if (rest == folder)
                 return false;
         }
     }
-    return path != homeTrash;
+    return true;
 }

@@ -2,7 +2,9 @@
 
 #include "support/TreeBuilder.h"
 
+#include <QCoreApplication>
 #include <QDir>
+#include <QProcess>
 
 namespace {
 TestSandbox *current = nullptr;
@@ -25,6 +27,22 @@ TestSandbox::TestSandbox() : m_dir(QDir::tempPath() + QStringLiteral("/dustmere-
 TestSandbox *TestSandbox::instance()
 {
     return current;
+}
+
+TestSandbox::Outcome TestSandbox::runAsNobody(const char *testFunction)
+{
+    QProcess child;
+    child.start(QStringLiteral("setpriv"),
+                {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
+                 QStringLiteral("--clear-groups"), QCoreApplication::applicationFilePath(),
+                 QString::fromLatin1(testFunction)});
+    if (!child.waitForFinished(120'000))
+        return {true, false, "the unprivileged run did not finish"};
+    const QByteArray out = child.readAllStandardOutput() + child.readAllStandardError();
+    // A run that never reached the test (no setpriv, an unreadable executable) prints no totals.
+    if (child.exitStatus() != QProcess::NormalExit || !out.contains("Totals"))
+        return {false, false, out};
+    return {true, child.exitCode() == 0, out};
 }
 
 TestSandbox::~TestSandbox()

@@ -5,6 +5,7 @@
 #include <QLocale>
 #include <QTemporaryDir>
 #include <QTest>
+#include <unistd.h>
 
 // Points HOME and the XDG folders at a fresh temporary folder for the life of a test process, so
 // no test ever reads or writes the real home, settings or Trash.
@@ -21,9 +22,32 @@ public:
 
     static TestSandbox *instance();
 
+    // Runs one test function of this executable again as the unprivileged user 65534.
+    struct Outcome
+    {
+        bool ran = false; // false where that user cannot run it here
+        bool passed = false;
+        QByteArray output;
+    };
+    static Outcome runAsNobody(const char *testFunction);
+
 private:
     QTemporaryDir m_dir;
 };
+
+// Root ignores permissions, so a test about them runs again as user 65534 in a child process and
+// takes its outcome; it skips where that is impossible. Put first in a test function.
+#define DUSTMERE_RUN_AS_NOBODY()                                                                   \
+    do {                                                                                           \
+        if (geteuid() == 0) {                                                                      \
+            const TestSandbox::Outcome outcome =                                                   \
+                TestSandbox::runAsNobody(QTest::currentTestFunction());                            \
+            if (!outcome.ran)                                                                      \
+                QSKIP("cannot run as an unprivileged user here");                                  \
+            QVERIFY2(outcome.passed, outcome.output.constData());                                  \
+            return;                                                                                \
+        }                                                                                          \
+    } while (false)
 
 #define DUSTMERE_TEST_MAIN_WITH(AppType, TestObject)                                               \
     int main(int argc, char *argv[])                                                               \
