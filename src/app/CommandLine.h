@@ -3,9 +3,10 @@
 #include "scan/Scanner.h"
 
 #include <QString>
-#include <QStringList>
 #include <optional>
+#include <string>
 #include <variant>
+#include <vector>
 
 // What the user asked for on the command line.
 struct CommandLine
@@ -13,7 +14,8 @@ struct CommandLine
     enum class ReportFormat { text, json };
     enum class Appearance { system, light, dark };
 
-    std::optional<QString> scanPath;
+    // The folder exactly as given, bytes; an empty one starts nothing.
+    std::optional<std::string> scanPath;
     std::optional<ReportFormat> report;
     std::optional<int> depth;
     std::optional<Scanner::Walk> walk;
@@ -27,7 +29,12 @@ struct CommandLine
         QString message;
     };
 
-    // args excludes the program name.
-    [[nodiscard]] static std::variant<CommandLine, Error> parse(const QStringList &args);
+    // args excludes the program name; they stay bytes, as the system passed them.
+    [[nodiscard]] static std::variant<CommandLine, Error>
+    parse(const std::vector<std::string> &args);
     [[nodiscard]] static QString usage();
+    // The folder a spelling names: "~" and "~/…" in the home folder, anything relative in the
+    // working folder; absolute and clean.
+    [[nodiscard]] static std::string folder(const std::string &spelled, const std::string &home,
+                                            const std::string &workingFolder);
 };

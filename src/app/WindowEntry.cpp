@@ -32,6 +32,8 @@ int dustmere_run_window(int argc, char *argv[], const CommandLine *commandLine)
     // outcome.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.multimedia*=false"));
 
+    // A damaged settings file is copied aside before anything reads (and later saves over) it.
+    const std::optional<QString> settingsKept = Settings::keepDamaged();
     // Old settings are copied before the state objects read theirs.
     Migration::migrate();
     const bool reduceMotion =
@@ -42,7 +44,7 @@ int dustmere_run_window(int argc, char *argv[], const CommandLine *commandLine)
     Game game;
     Magic magic;
     model.setFolderChooser(FolderChooser::dialog());
-    MainWindow window(model, game, magic, {cl.scanPath, reduceMotion});
+    MainWindow window(model, game, magic, {cl.scanPath, settingsKept, reduceMotion});
     window.show();
     return QApplication::exec();
 }

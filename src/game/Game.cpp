@@ -2,11 +2,11 @@
 
 #include "game/Achievement.h"
 #include "platform/Settings.h"
+#include "platform/Utf8.h"
 #include "scan/Fmt.h"
 #include "scan/Node.h"
 #include "sound/Sound.h"
 
-#include <QFile>
 #include <QGuiApplication>
 #include <algorithm>
 #include <cerrno>
@@ -15,14 +15,15 @@
 
 namespace {
 
+// Paths are stored so that names which are not UTF-8 read back as the same bytes.
 QString text(const std::string &bytes)
 {
-    return QFile::decodeName(QByteArray::fromStdString(bytes));
+    return Utf8::lossless(bytes);
 }
 
 std::string bytesOf(const QString &s)
 {
-    return QFile::encodeName(s).toStdString();
+    return Utf8::bytes(s);
 }
 
 // Byte counts are stored as doubles. One that cannot be a byte count (not finite, negative

@@ -8,7 +8,6 @@
 #include <QFileDevice>
 #include <QStandardPaths>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 
 namespace {
@@ -22,23 +21,46 @@ bool readJson(QIODevice &device, QSettings::SettingsMap &map)
     return true;
 }
 
-// A file that does not parse is read as empty, but what the user had must not vanish: just
-// before the first save replaces it, it is renamed to "<name>.corrupt" (replacing an older copy),
-// so it can still be recovered by hand. Until something is saved it stays where it is. A file
-// that cannot be opened never gets here: QSettings will not save over a file it could not read,
-// so it stays untouched and the session's changes live in memory only.
-void keepDamagedFile(const QString &fileName)
+bool sameBytes(const QString &fileName, const QByteArray &text)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) && file.readAll() == text;
+}
+
+// A file that does not parse is read as empty, but what the user had must not vanish: its bytes
+// are copied to the first free "<name>.corrupt", "<name>.corrupt.1", … unless one of them already
+// holds the same bytes. A copy, never a rename: a settings file that is a link into a dotfiles
+// folder stays a link, and the damaged text is kept even though the save then writes through
+// the link. A file that cannot be opened never gets here: QSettings will not save over a file it
+// could not read, so it stays untouched and the session's changes live in memory only.
+std::optional<QString> keepDamagedFile(const QString &fileName)
 {
     QFile existing(fileName);
     if (!existing.open(QIODevice::ReadOnly))
-        return;
+        return std::nullopt;
     const QByteArray text = existing.readAll();
     existing.close();
     if (text.isEmpty() || SettingsJson::parse(text))
-        return;
-    const QByteArray from = QFile::encodeName(fileName);
-    const QByteArray to = QFile::encodeName(fileName + QStringLiteral(".corrupt"));
-    std::rename(from.constData(), to.constData());
+        return std::nullopt;
+    constexpr int maxBackups = 1000;
+    for (int n = 0; n < maxBackups; ++n) {
+        QString backup = fileName + QStringLiteral(".corrupt");
+        if (n > 0)
+            backup += QStringLiteral(".%1").arg(n);
+        QFile copy(backup);
+        if (copy.open(QIODevice::WriteOnly | QIODevice::NewOnly,
+                      QFileDevice::ReadOwner | QFileDevice::WriteOwner)) {
+            if (copy.write(text) == text.size() && copy.flush())
+                return backup;
+            copy.remove(); // a partial copy is ours to take back; the next name is tried
+            continue;
+        }
+        if (copy.exists() && sameBytes(backup, text))
+            return std::nullopt;
+        if (!copy.exists())
+            return std::nullopt; // the folder cannot be written: nothing to do but keep the file
+    }
+    return std::nullopt;
 }
 
 // QSettings saves through a QSaveFile named after the final file: the text goes to a temporary
@@ -47,7 +69,7 @@ void keepDamagedFile(const QString &fileName)
 bool writeJson(QIODevice &device, const QSettings::SettingsMap &map)
 {
     if (const auto *file = qobject_cast<const QFileDevice *>(&device))
-        keepDamagedFile(file->fileName());
+        (void)keepDamagedFile(file->fileName());
     const QByteArray text = SettingsJson::serialize(map);
     return device.write(text) == text.size();
 }
@@ -108,6 +130,11 @@ std::unique_ptr<QSettings> Settings::open(const QString &domain)
     // process and also consults fallback files (~/.config/dustmere.json, /etc/xdg) that belong to
     // no domain.
     return std::make_unique<QSettings>(filePath(domain), jsonFormat());
+}
+
+std::optional<QString> Settings::keepDamaged(const QString &domain)
+{
+    return keepDamagedFile(filePath(domain));
 }
 
 QString Settings::filePath(const QString &domain)

@@ -12,9 +12,11 @@
 // ~/.config/dustmere/), read and written through QSettings with a JSON format that keeps value
 // types: bool, integer (qint64), double, string, array, map. A double stays a double, even 5.0.
 //
-// Saves are atomic (temporary file, fsync, rename). A damaged or unreadable file reads as empty
-// and is never reported; a damaged one is kept as "<domain>.json.corrupt" when the first save
-// replaces it, and an unreadable one is never replaced.
+// Saves are atomic (temporary file, fsync, rename onto the file, or onto the file a symlink
+// points to, so the link stays). A leading UTF-8 byte-order mark is read past. A damaged or
+// unreadable file reads as empty; a damaged one is copied to "<domain>.json.corrupt" (then
+// ".corrupt.1", ".corrupt.2", …) before the first save replaces it, and an unreadable one is
+// never replaced.
 namespace Settings {
 
 inline QString currentDomain()
@@ -31,6 +33,9 @@ inline QString oldDomain()
 // destroyed. Opening never creates or changes a file.
 [[nodiscard]] std::unique_ptr<QSettings> open(const QString &domain = currentDomain());
 [[nodiscard]] QString filePath(const QString &domain = currentDomain());
+// Keeps a copy of the domain's file now if it is damaged and not kept yet; the copy's path when
+// this call made one, so the window can say so once.
+[[nodiscard]] std::optional<QString> keepDamaged(const QString &domain = currentDomain());
 
 // Typed reads: nullopt when the key is absent or holds a value of another type.
 // boolean: only true/false. integer: an integer, or a double with a whole value that fits in

@@ -544,6 +544,9 @@ private:
 
 std::optional<QVariantMap> SettingsJson::parse(QByteArrayView text)
 {
+    // Some editors start UTF-8 files with a byte-order mark; it is not damage.
+    if (text.startsWith("\xEF\xBB\xBF"))
+        text = text.sliced(3);
     return Reader(text).document();
 }
 

@@ -13,8 +13,8 @@
 // QVariantMap, null -> QVariant holding nullptr.
 namespace SettingsJson {
 
-// nullopt unless the whole text is one well-formed JSON object in valid UTF-8 (an empty text is
-// not a document either).
+// nullopt unless the whole text is one well-formed JSON object in valid UTF-8, after an optional
+// byte-order mark (an empty text is not a document either).
 [[nodiscard]] std::optional<QVariantMap> parse(QByteArrayView text);
 
 // Always well-formed UTF-8 JSON that `parse` reads back to equal values. Doubles always carry a

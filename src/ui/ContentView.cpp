@@ -3,6 +3,7 @@
 #include "game/Game.h"
 #include "magic/Magic.h"
 #include "magic/ManaOnSlay.h"
+#include "platform/DisplayName.h"
 #include "session/Model.h"
 #include "ui/SlayPrompt.h"
 #include "ui/TopBar.h"
@@ -14,7 +15,7 @@
 #include "ui/screens/WelcomeView.h"
 #include "world/ui/WorldView.h"
 
-#include <QFile>
+#include <QDir>
 #include <QFrame>
 #include <QMessageBox>
 #include <QPushButton>
@@ -73,7 +74,7 @@ QString ContentView::subtitle() const
     if (m_model.scanning())
         return QStringLiteral("Charting…");
     if (const NodePtr current = m_model.current())
-        return QFile::decodeName(QByteArray::fromStdString(current->name()));
+        return DisplayName::of(current->name());
     return {};
 }
 
@@ -109,11 +110,25 @@ void ContentView::showEvent(QShowEvent *event)
     if (m_shown)
         return;
     m_shown = true;
-    if (m_options.scanArgument && !m_options.scanArgument->isEmpty() && !m_model.root() &&
+    if (m_options.scanPath && !m_options.scanPath->empty() && !m_model.root() &&
         !m_model.scanning()) {
-        m_model.setScanPath(QFile::encodeName(*m_options.scanArgument).toStdString());
+        m_model.setScanPath(*m_options.scanPath);
         m_model.scan(m_game);
     }
+    if (m_options.settingsKept)
+        tellSettingsKept(*m_options.settingsKept);
+}
+
+void ContentView::tellSettingsKept(const QString &backup)
+{
+    auto *box = new QMessageBox(QMessageBox::Information, QStringLiteral("Dustmere"),
+                                QStringLiteral("Your settings file was damaged"), QMessageBox::Ok,
+                                window());
+    box->setInformativeText(
+        QStringLiteral("Dustmere started with fresh settings and kept the damaged file as %1.")
+            .arg(DisplayName::of(QDir::toNativeSeparators(backup))));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
 }
 
 void ContentView::resizeEvent(QResizeEvent *event)

@@ -20,7 +20,8 @@ class ContentView : public QWidget
 public:
     struct Options
     {
-        std::optional<QString> scanArgument; // the remainder of the first --scan=
+        std::optional<std::string> scanPath; // the folder named on the command line, clean
+        std::optional<QString> settingsKept; // where damaged settings were just set aside
         bool reduceMotion = false;
     };
 
@@ -45,6 +46,7 @@ private:
     void chooseMainArea();
     void askToSlay();
     void showError();
+    void tellSettingsKept(const QString &backup);
     void placeOverlays();
 
     Model &m_model;

@@ -58,10 +58,12 @@ class TestMainWindow : public QObject
     std::unique_ptr<MainWindow> m_window;
     std::vector<Sound::Sfx> m_played;
 
-    void open(std::optional<QString> scanArgument = std::nullopt)
+    void open(std::optional<std::string> scanPath = std::nullopt,
+              std::optional<QString> settingsKept = std::nullopt)
     {
         m_window = std::make_unique<MainWindow>(
-            *m_model, *m_game, *m_magic, ContentView::Options{std::move(scanArgument), true});
+            *m_model, *m_game, *m_magic,
+            ContentView::Options{std::move(scanPath), std::move(settingsKept), true});
         m_window->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
     }
@@ -95,7 +97,12 @@ private Q_SLOTS:
 
     void beforeAnyScanTheWelcomeShowsAndTheBarIsShort()
     {
-        open(QString()); // "--scan=" with nothing after it starts nothing
+        // "--scan=" with nothing after it starts nothing; damaged settings are told of once.
+        open(std::string(), QStringLiteral("/cfg/dustmere.json.corrupt"));
+        auto *notice = m_window->findChild<QMessageBox *>();
+        QVERIFY(notice && notice->isVisible());
+        QVERIFY(notice->informativeText().contains(QStringLiteral(" /cfg/dustmere.json.corrupt.")));
+        notice->close();
         QCOMPARE(m_window->objectName(), QStringLiteral("main"));
         QCOMPARE(m_window->windowTitle(), QStringLiteral("Dustmere"));
         QVERIFY(m_window->minimumSize() == QSize(980, 620));
@@ -116,7 +123,7 @@ private Q_SLOTS:
         makeDir(tree);
         makeDir(tree + "/a");
         makeFile(tree + "/a/x", 8192);
-        open(QFile::decodeName(tree));
+        open(tree.toStdString());
         QVERIFY(m_model->scanning() || m_model->root());
         if (m_model->scanning()) {
             QCOMPARE(m_window->windowTitle(), QStringLiteral("Charting… — Dustmere"));

@@ -198,6 +198,7 @@ private Q_SLOTS:
         QTest::newRow("bad UTF-8") << QByteArray("{\"hero\": \"\xc0\xaf\"}") << true;
         QTest::newRow("blank") << QByteArray(" \n") << true;
         QTest::newRow("empty") << QByteArray() << false;
+        QTest::newRow("byte-order mark") << QByteArray("\xEF\xBB\xBF{\"xp\": 120}") << false;
     }
 
     void damagedFile()
@@ -209,7 +210,7 @@ private Q_SLOTS:
         QVERIFY(writeFile(path, bytes));
         {
             const auto s = Settings::open();
-            QVERIFY(s->allKeys().isEmpty());
+            QCOMPARE(s->allKeys().isEmpty(), damaged || bytes.isEmpty());
         }
         QCOMPARE(readFile(path), bytes);
         QVERIFY(!QFile::exists(kept));
@@ -223,6 +224,36 @@ private Q_SLOTS:
         QCOMPARE(QFile::exists(kept), damaged);
         if (damaged)
             QCOMPARE(readFile(kept), bytes);
+    }
+
+    // A settings file linked into a dotfiles folder stays a link, and each damaged version of it
+    // is kept once, in a backup of its own.
+    void damagedVersionsAreCopiedAsideNeverMoved()
+    {
+        const QString target = m_config + QStringLiteral("/dotfiles/dustmere.json");
+        const QString path = Settings::filePath();
+        QVERIFY(writeFile(target, "first {{"));
+        QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+        QVERIFY(QFile::link(target, path));
+
+        QCOMPARE(Settings::keepDamaged(), std::optional(path + QStringLiteral(".corrupt")));
+        QCOMPARE(Settings::keepDamaged(), std::nullopt); // a second start says nothing new
+        for (const QByteArray &damage : {QByteArray("second {{"), QByteArray()}) {
+            {
+                const auto s = Settings::open();
+                s->setValue("xp", 7);
+            }
+            QVERIFY(QFileInfo(path).isSymLink());
+            QCOMPARE(SettingsJson::parse(readFile(target)), QVariantMap({{"xp", 7}}));
+            if (!damage.isEmpty()) {
+                QVERIFY(writeFile(target, damage));
+                QCOMPARE(Settings::keepDamaged(),
+                         std::optional(path + QStringLiteral(".corrupt.1")));
+            }
+        }
+        QCOMPARE(readFile(path + QStringLiteral(".corrupt")), QByteArray("first {{"));
+        QCOMPARE(readFile(path + QStringLiteral(".corrupt.1")), QByteArray("second {{"));
+        QVERIFY(!QFile::exists(path + QStringLiteral(".corrupt.2")));
     }
 
     void unreadableFileIsLeftAlone()
