@@ -1,76 +1,101 @@
 #include "app/CommandLine.h"
 
+#include "platform/DisplayName.h"
+#include "platform/Paths.h"
+
 namespace {
 
-std::optional<QString> valueOf(const QString &arg, QLatin1StringView option)
+std::optional<std::string_view> valueOf(std::string_view arg, std::string_view option)
 {
-    if (!arg.startsWith(option) || arg.size() <= option.size() || arg[option.size()] != u'=')
+    if (!arg.starts_with(option) || arg.size() <= option.size() || arg[option.size()] != '=')
         return std::nullopt;
-    return arg.mid(option.size() + 1);
+    return arg.substr(option.size() + 1);
+}
+
+QString shown(std::string_view bytes)
+{
+    return DisplayName::of(bytes);
 }
 
 } // namespace
 
-std::variant<CommandLine, CommandLine::Error> CommandLine::parse(const QStringList &args)
+std::variant<CommandLine, CommandLine::Error>
+CommandLine::parse(const std::vector<std::string> &args)
 {
     CommandLine cl;
-    for (const QString &arg : args) {
-        if (const auto v = valueOf(arg, QLatin1StringView("--scan"))) {
-            // Only the first --scan= counts; an empty one starts nothing.
+    for (const std::string &arg : args) {
+        if (const auto v = valueOf(arg, "--scan")) {
+            // Only the first folder counts.
             if (!cl.scanPath)
-                cl.scanPath = *v;
-        } else if (arg == QLatin1StringView("--report")) {
+                cl.scanPath = std::string(*v);
+        } else if (arg == "--report") {
             cl.report = ReportFormat::text;
-        } else if (const auto v = valueOf(arg, QLatin1StringView("--report"))) {
-            if (*v == QLatin1StringView("text"))
+        } else if (const auto v = valueOf(arg, "--report")) {
+            if (*v == "text")
                 cl.report = ReportFormat::text;
-            else if (*v == QLatin1StringView("json"))
+            else if (*v == "json")
                 cl.report = ReportFormat::json;
             else
                 return Error{
-                    QStringLiteral("unknown report format '%1' (use text or json)").arg(*v)};
-        } else if (const auto v = valueOf(arg, QLatin1StringView("--depth"))) {
+                    QStringLiteral("unknown report format '%1' (use text or json)").arg(shown(*v))};
+        } else if (const auto v = valueOf(arg, "--depth")) {
             bool ok = false;
-            const int depth = v->toInt(&ok);
+            const int depth = QString::fromUtf8(v->data(), qsizetype(v->size())).toInt(&ok);
             if (!ok || depth < 0)
-                return Error{
-                    QStringLiteral("--depth needs a whole number of 0 or more, not '%1'").arg(*v)};
+                return Error{QStringLiteral("--depth needs a whole number of 0 or more, not '%1'")
+                                 .arg(shown(*v))};
             cl.depth = depth;
-        } else if (const auto v = valueOf(arg, QLatin1StringView("--walker"))) {
-            if (*v == QLatin1StringView("shared"))
+        } else if (const auto v = valueOf(arg, "--walker")) {
+            if (*v == "shared")
                 cl.walk = Scanner::Walk::shared;
-            else if (*v == QLatin1StringView("fts"))
+            else if (*v == "fts")
                 cl.walk = Scanner::Walk::fts;
             else
-                return Error{QStringLiteral("unknown walker '%1' (use shared or fts)").arg(*v)};
-        } else if (const auto v = valueOf(arg, QLatin1StringView("--appearance"))) {
-            if (*v == QLatin1StringView("light"))
+                return Error{
+                    QStringLiteral("unknown walker '%1' (use shared or fts)").arg(shown(*v))};
+        } else if (const auto v = valueOf(arg, "--appearance")) {
+            if (*v == "light")
                 cl.appearance = Appearance::light;
-            else if (*v == QLatin1StringView("dark"))
+            else if (*v == "dark")
                 cl.appearance = Appearance::dark;
             else
-                return Error{QStringLiteral("unknown appearance '%1' (use light or dark)").arg(*v)};
-        } else if (arg == QLatin1StringView("--reduce-motion")) {
+                return Error{
+                    QStringLiteral("unknown appearance '%1' (use light or dark)").arg(shown(*v))};
+        } else if (arg == "--reduce-motion") {
             cl.reduceMotion = true;
-        } else if (arg == QLatin1StringView("--help") || arg == QLatin1StringView("-h")) {
+        } else if (arg == "--help" || arg == "-h") {
             cl.help = true;
-        } else if (arg == QLatin1StringView("--version")) {
+        } else if (arg == "--version") {
             cl.version = true;
+        } else if (!arg.empty() && !arg.starts_with('-')) {
+            // `dustmere PATH` is `dustmere --scan=PATH`.
+            if (!cl.scanPath)
+                cl.scanPath = arg;
         } else {
-            return Error{QStringLiteral("unknown argument '%1' (see --help)").arg(arg)};
+            return Error{QStringLiteral("unknown argument '%1' (see --help)").arg(shown(arg))};
         }
     }
     return cl;
 }
 
+std::string CommandLine::folder(const std::string &spelled, const std::string &home,
+                                const std::string &workingFolder)
+{
+    if (spelled == "~")
+        return Paths::clean(home);
+    if (spelled.starts_with("~/"))
+        return Paths::absolute(std::string_view(spelled).substr(2), home);
+    return Paths::absolute(spelled, workingFolder);
+}
+
 QString CommandLine::usage()
 {
     return QStringLiteral(
-        "Usage: dustmere [options]\n"
+        "Usage: dustmere [options] [PATH]\n"
         "\n"
         "Explore where your disk space went, as a small role-playing game.\n"
         "\n"
-        "  --scan=PATH               scan PATH at start\n"
+        "  PATH, --scan=PATH         scan PATH at start (~ is your home folder)\n"
         "  --report[=text|json]      no window: scan, advise, print a report to stdout, exit\n"
         "  --depth=N                 with --report=json: how many levels of folders to include\n"
         "  --walker=shared|fts       with --report: how folders are walked (both measure the\n"
@@ -80,6 +105,5 @@ QString CommandLine::usage()
         "  --help                    show this help\n"
         "  --version                 show the version\n"
         "\n"
-        "Without a display, dustmere prints the text report of --scan=PATH or of your home\n"
-        "folder.\n");
+        "Without a display, dustmere prints the text report of PATH or of your home folder.\n");
 }

@@ -1,12 +1,15 @@
 #include "app/HeadlessReport.h"
 
 #include "advisor/Advisor.h"
+#include "platform/DisplayName.h"
 #include "report/Report.h"
 #include "scan/Fmt.h"
 #include "scan/Scanner.h"
 
 #include <chrono>
+#include <climits>
 #include <cstdio>
+#include <cstring>
 #include <future>
 #include <mutex>
 #include <unistd.h>
@@ -20,6 +23,24 @@ void showProgress(const Scanner::Progress &p)
                                 .toUtf8();
     std::fwrite(line.constData(), 1, std::size_t(line.size()), stderr);
     std::fflush(stderr);
+}
+
+// What the report cannot show, said on stderr so that stdout stays the report alone.
+void noteGaps(const std::string &path, const Scanner::Gaps &gaps)
+{
+    if (gaps.rootError != 0) {
+        std::fprintf(stderr, "dustmere: cannot read %s: %s; the report shows nothing inside it\n",
+                     qPrintable(DisplayName::of(path)), std::strerror(gaps.rootError));
+    }
+    if (gaps.tooLong > 0) {
+        std::fprintf(stderr,
+                     "dustmere: %s not measured: %s path is longer than the system allows "
+                     "(%d bytes)\n",
+                     qPrintable(gaps.tooLong == 1
+                                    ? QStringLiteral("1 entry")
+                                    : Fmt::count(gaps.tooLong) + QStringLiteral(" entries")),
+                     gaps.tooLong == 1 ? "its" : "their", PATH_MAX);
+    }
 }
 
 } // namespace
@@ -49,6 +70,8 @@ int runHeadlessReport(const std::string &path, CommandLine::ReportFormat format,
     }
     if (terminal)
         std::fputs("\r\033[K", stderr);
+
+    noteGaps(path, scanner.gaps());
 
     Report::Input input;
     input.root = result.get();

@@ -1,11 +1,14 @@
 #include "app/CommandLine.h"
 #include "app/HeadlessReport.h"
 #include "app/WindowEntry.h"
+#include "platform/DisplayName.h"
 #include "platform/Home.h"
+#include "platform/Paths.h"
 
-#include <QFile>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <dlfcn.h>
 #include <optional>
 #include <sys/stat.h>
@@ -22,22 +25,20 @@ bool hasDisplay()
     return set("DISPLAY") || set("WAYLAND_DISPLAY");
 }
 
-std::string normalized(const QString &path)
-{
-    std::string p = QFile::encodeName(path).toStdString();
-    while (p.size() > 1 && p.back() == '/')
-        p.pop_back();
-    return p;
-}
-
 // A one-line complaint when the folder to scan is unusable.
 std::optional<std::string> folderProblem(const std::string &path)
 {
+    const std::string shown = DisplayName::of(path).toStdString();
     struct stat st;
-    if (stat(path.c_str(), &st) != 0)
-        return "no such folder: " + path;
+    if (stat(path.c_str(), &st) != 0) {
+        if (errno == ENOENT || errno == ENOTDIR)
+            return "no such folder: " + shown;
+        if (errno == EACCES)
+            return "permission denied: " + shown;
+        return shown + ": " + std::strerror(errno);
+    }
     if (!S_ISDIR(st.st_mode))
-        return "not a folder: " + path;
+        return "not a folder: " + shown;
     return std::nullopt;
 }
 
@@ -69,16 +70,13 @@ int runWindow(int argc, char *argv[], const CommandLine &cl)
 
 int main(int argc, char *argv[])
 {
-    QStringList args;
-    for (int i = 1; i < argc; ++i)
-        args << QString::fromLocal8Bit(argv[i]);
-
-    const auto parsed = CommandLine::parse(args);
+    // Bytes as the system passed them: a folder's name need not be valid in any encoding.
+    const auto parsed = CommandLine::parse(std::vector<std::string>(argv + 1, argv + argc));
     if (const auto *error = std::get_if<CommandLine::Error>(&parsed)) {
         std::fprintf(stderr, "dustmere: %s\n", qPrintable(error->message));
         return 2;
     }
-    const auto &cl = std::get<CommandLine>(parsed);
+    CommandLine cl = std::get<CommandLine>(parsed);
     if (cl.help) {
         std::fputs(qPrintable(CommandLine::usage()), stdout);
         return 0;
@@ -87,8 +85,10 @@ int main(int argc, char *argv[])
         std::printf("dustmere %s\n", DUSTMERE_VERSION);
         return 0;
     }
-    const bool named = cl.scanPath && !cl.scanPath->isEmpty();
-    const std::string path = named ? normalized(*cl.scanPath) : Home::path();
+    const bool named = cl.scanPath && !cl.scanPath->empty();
+    const std::string path =
+        named ? CommandLine::folder(*cl.scanPath, Home::path(), Paths::currentFolder())
+              : Home::path();
     if (const auto problem = folderProblem(path);
         problem && (named || cl.report || !hasDisplay())) {
         std::fprintf(stderr, "dustmere: %s\n", problem->c_str());
@@ -97,5 +97,7 @@ int main(int argc, char *argv[])
     if (cl.report || !hasDisplay())
         return runHeadlessReport(path, cl.report.value_or(CommandLine::ReportFormat::text),
                                  cl.depth, cl.walk);
+    if (named)
+        cl.scanPath = path;
     return runWindow(argc, argv, cl);
 }

@@ -1,48 +1,11 @@
 #include "report/JsonWriter.h"
 
-#include <QFile>
-#include <QString>
-#include <charconv>
+#include "platform/Utf8.h"
 
-bool isValidUtf8(std::string_view s)
-{
-    std::size_t i = 0;
-    const auto byte = [&s](std::size_t k) { return static_cast<unsigned char>(s[k]); };
-    while (i < s.size()) {
-        const unsigned char c = byte(i);
-        if (c < 0x80) {
-            ++i;
-            continue;
-        }
-        std::size_t len = 0;
-        std::uint32_t cp = 0;
-        if ((c & 0xE0) == 0xC0) {
-            len = 2;
-            cp = c & 0x1F;
-        } else if ((c & 0xF0) == 0xE0) {
-            len = 3;
-            cp = c & 0x0F;
-        } else if ((c & 0xF8) == 0xF0) {
-            len = 4;
-            cp = c & 0x07;
-        } else {
-            return false;
-        }
-        if (i + len > s.size())
-            return false;
-        for (std::size_t k = 1; k < len; ++k) {
-            if ((byte(i + k) & 0xC0) != 0x80)
-                return false;
-            cp = (cp << 6) | (byte(i + k) & 0x3F);
-        }
-        const bool overlong =
-            (len == 2 && cp < 0x80) || (len == 3 && cp < 0x800) || (len == 4 && cp < 0x10000);
-        if (overlong || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF))
-            return false;
-        i += len;
-    }
-    return true;
-}
+#include <QByteArray>
+#include <QString>
+#include <algorithm>
+#include <charconv>
 
 void JsonWriter::separate()
 {
@@ -87,13 +50,31 @@ void JsonWriter::key(std::string_view name)
 void JsonWriter::value(std::string_view bytes)
 {
     separate();
-    if (isValidUtf8(bytes)) {
+    if (Utf8::isValid(bytes)) {
         writeString(bytes);
     } else {
-        const QByteArray repaired =
-            QFile::decodeName(QByteArray(bytes.data(), qsizetype(bytes.size()))).toUtf8();
-        writeString(std::string_view(repaired.constData(), std::size_t(repaired.size())));
+        std::string repaired;
+        char32_t c = 0;
+        for (std::size_t i = 0; i < bytes.size();) {
+            const std::size_t length = Utf8::sequence(bytes, i, c);
+            repaired.append(length == 0 ? std::string_view("\xEF\xBF\xBD")
+                                        : bytes.substr(i, length));
+            i += std::max<std::size_t>(length, 1);
+        }
+        writeString(repaired);
     }
+    m_needComma = true;
+}
+
+void JsonWriter::field(std::string_view name, std::string_view bytes)
+{
+    key(name);
+    value(bytes);
+    if (Utf8::isValid(bytes))
+        return;
+    key(std::string(name) + "Base64");
+    const QByteArray base64 = QByteArray(bytes.data(), qsizetype(bytes.size())).toBase64();
+    writeString(std::string_view(base64.constData(), std::size_t(base64.size())));
     m_needComma = true;
 }
 

@@ -8,7 +8,8 @@ class QString;
 
 // A small streaming JSON writer: reports of large trees are written without building a DOM.
 // Byte strings that are not valid UTF-8 (file names can be any bytes) are written with U+FFFD
-// in place of the invalid sequences, so the output stays valid JSON.
+// in place of the invalid sequences, so the output stays valid JSON; field() adds their exact
+// bytes beside them.
 class JsonWriter
 {
 public:
@@ -32,6 +33,9 @@ public:
     void value(std::uint64_t n);
     void value(std::int64_t n);
     void value(bool b);
+    // A name or path: the key and the text, and, when the bytes are not valid UTF-8, the key
+    // followed by "Base64" with the exact bytes.
+    void field(std::string_view name, std::string_view bytes);
 
     [[nodiscard]] const std::string &text() const { return m_out; }
     [[nodiscard]] std::string take() { return std::move(m_out); }
@@ -43,5 +47,3 @@ private:
     std::string m_out;
     bool m_needComma = false;
 };
-
-[[nodiscard]] bool isValidUtf8(std::string_view bytes);

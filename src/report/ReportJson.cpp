@@ -30,12 +30,9 @@ void writeNode(JsonWriter &w, PlaceNames &places, const Node &node, bool isRoot,
                const Report::Fragments *fragments = nullptr)
 {
     w.beginObject();
-    w.key("name");
-    w.value(node.name());
-    if (isRoot) {
-        w.key("path");
-        w.value(node.path());
-    }
+    w.field("name", node.name());
+    if (isRoot)
+        w.field("path", node.path());
     w.key("size");
     w.value(node.size());
     w.key("files");
@@ -120,8 +117,7 @@ std::string Report::json(const Input &input, std::optional<int> depth, const Fra
     w.beginArray();
     for (const BigFile &f : input.bigFiles) {
         w.beginObject();
-        w.key("path");
-        w.value(f.path);
+        w.field("path", f.path);
         w.key("size");
         w.value(f.size);
         w.key("modified");
@@ -133,8 +129,7 @@ std::string Report::json(const Input &input, std::optional<int> depth, const Fra
     w.beginArray();
     for (const Advice &a : boardOrder(input.advice)) {
         w.beginObject();
-        w.key("path");
-        w.value(a.path);
+        w.field("path", a.path);
         w.key("kind");
         w.value(a.isFile() ? "file" : "folder");
         w.key("size");

@@ -1,7 +1,7 @@
+#include "platform/DisplayName.h"
 #include "report/Report.h"
 #include "scan/Fmt.h"
 
-#include <QFile>
 #include <QString>
 #include <algorithm>
 
@@ -9,7 +9,7 @@ namespace {
 
 QString display(const std::string &bytes)
 {
-    return QFile::decodeName(QByteArray(bytes.data(), qsizetype(bytes.size())));
+    return DisplayName::of(bytes);
 }
 
 QString right(const QString &s, int width)
@@ -17,9 +17,16 @@ QString right(const QString &s, int width)
     return s.rightJustified(width, QLatin1Char(' '));
 }
 
+// Pads or cuts to `width` characters. A name isolated for its right-to-left letters is cut
+// inside its isolates, which take no room on a terminal, so the isolation always closes.
 QString left(const QString &s, int width)
 {
-    return s.leftJustified(width, QLatin1Char(' '), true);
+    constexpr QChar open(0x2068);
+    constexpr QChar close(0x2069);
+    if (s.size() < 2 || s.front() != open || s.back() != close)
+        return s.leftJustified(width, QLatin1Char(' '), true);
+    const QString inner = s.mid(1, s.size() - 2).left(width);
+    return open + inner + close + QString(width - inner.size(), QLatin1Char(' '));
 }
 
 QString safetySign(Advice::Safety s)

@@ -4,6 +4,7 @@
 
 #include <QThread>
 #include <atomic>
+#include <cerrno>
 #include <dirent.h>
 #include <fts.h>
 #include <sys/resource.h>
@@ -31,6 +32,12 @@ Scanner::Progress Scanner::progress() const
 {
     std::lock_guard guard(m_lock);
     return {m_files, m_bytes};
+}
+
+Scanner::Gaps Scanner::gaps() const
+{
+    std::lock_guard guard(m_lock);
+    return m_gaps;
 }
 
 bool Scanner::cancelled() const
@@ -91,6 +98,9 @@ NodePtr Scanner::scan(const std::string &path)
                 bigFiles.push_back({entryPath, bytes, static_cast<std::int64_t>(st.st_mtime)});
         }
         closedir(dir);
+    } else {
+        std::lock_guard guard(m_lock);
+        m_gaps.rootError = errno;
     }
     reportBigFiles(std::move(bigFiles));
     add(root->looseFiles(), root->looseSize());
@@ -156,6 +166,14 @@ void Scanner::reportCompleted(const NodePtr &folder)
     m_completed.push_back(folder);
 }
 
+void Scanner::reportTooLong(std::int64_t entries)
+{
+    if (entries == 0)
+        return;
+    std::lock_guard guard(m_lock);
+    m_gaps.tooLong += entries;
+}
+
 void Scanner::reportBigFiles(std::vector<BigFile> files)
 {
     if (files.empty())
@@ -175,6 +193,7 @@ bool Scanner::scanSubtree(Node &node, const std::string &path)
 
     std::vector<Node *> stack;
     std::vector<BigFile> bigFiles;
+    std::int64_t tooLong = 0;
     std::int64_t pendingFiles = 0;
     std::uint64_t pendingBytes = 0;
     bool stopped = false;
@@ -223,6 +242,10 @@ bool Scanner::scanSubtree(Node &node, const std::string &path)
             }
             break;
         }
+        case FTS_NS:
+            if (entry->fts_errno == ENAMETOOLONG)
+                ++tooLong;
+            break;
         default:
             break;
         }
@@ -232,6 +255,7 @@ bool Scanner::scanSubtree(Node &node, const std::string &path)
     if (!stopped)
         add(pendingFiles, pendingBytes);
     reportBigFiles(std::move(bigFiles));
+    reportTooLong(tooLong);
     fts_close(fts);
     return !stopped;
 }

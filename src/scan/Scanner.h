@@ -31,7 +31,16 @@ public:
         bool operator==(const Progress &) const = default;
     };
 
+    // What a finished walk could not measure: the scanned folder itself when it could not be
+    // listed (its errno), and entries skipped because their path is longer than the system takes.
+    struct Gaps
+    {
+        int rootError = 0;
+        std::int64_t tooLong = 0;
+    };
+
     [[nodiscard]] Progress progress() const;
+    [[nodiscard]] Gaps gaps() const;
     [[nodiscard]] bool cancelled() const;
     [[nodiscard]] std::vector<BigFile> bigFiles() const;
     [[nodiscard]] std::vector<NodePtr> completed() const;
@@ -58,6 +67,7 @@ public:
     // Worker side: a top-level folder whose subtree is finished, and big files found.
     void reportCompleted(const NodePtr &folder);
     void reportBigFiles(std::vector<BigFile> files);
+    void reportTooLong(std::int64_t entries);
 
     // Walks one top-level folder with fts; false when the walk stopped because the scan was
     // cancelled.
@@ -73,6 +83,7 @@ private:
     std::int64_t m_files = 0;
     std::uint64_t m_bytes = 0;
     bool m_cancelled = false;
+    Gaps m_gaps;
     std::vector<BigFile> m_bigFiles;
     std::vector<NodePtr> m_completed;
     std::function<void(const Node &)> m_onFolderFinished;

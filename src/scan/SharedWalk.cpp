@@ -62,6 +62,7 @@ public:
         if (!m_walk.m_stopped.load(std::memory_order_relaxed))
             flush();
         m_walk.m_scanner.reportBigFiles(std::move(m_bigFiles));
+        m_walk.m_scanner.reportTooLong(m_tooLong);
     }
 
 private:
@@ -114,8 +115,10 @@ private:
         if (name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0)))
             return true;
         // The fts walk cannot stat an entry whose path is too long; agree with it.
-        if (task.path.size() + 1 + std::strlen(name) >= PATH_MAX)
+        if (task.path.size() + 1 + std::strlen(name) >= PATH_MAX) {
+            ++m_tooLong;
             return true;
+        }
         struct stat st;
         if (fstatat(fd, name, &st, AT_SYMLINK_NOFOLLOW) != 0)
             return true;
@@ -168,6 +171,7 @@ private:
     std::int64_t m_files = 0;
     std::uint64_t m_bytes = 0;
     std::vector<BigFile> m_bigFiles;
+    std::int64_t m_tooLong = 0;
 };
 
 SharedWalk::SharedWalk(Scanner &scanner, int workers)

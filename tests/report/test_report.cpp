@@ -11,6 +11,8 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <mutex>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace TreeBuilder;
 
@@ -55,17 +57,6 @@ private Q_SLOTS:
         makeFile(t + "/a/__pycache__/blob", Scanner::bigFileThreshold);
     }
 
-    void utf8Validation()
-    {
-        QVERIFY(isValidUtf8("plain"));
-        QVERIFY(isValidUtf8("caf\xc3\xa9 \xe6\x97\xa5\xf0\x9f\x90\x89"));
-        QVERIFY(!isValidUtf8("\xe9t\xe9"));
-        QVERIFY(!isValidUtf8("\xc0\xaf"));         // overlong "/"
-        QVERIFY(!isValidUtf8("\xed\xa0\x80"));     // surrogate
-        QVERIFY(!isValidUtf8("\xf4\x90\x80\x80")); // beyond U+10FFFF
-        QVERIFY(!isValidUtf8("\xe6\x97"));         // cut short
-    }
-
     void jsonIsValidWhateverTheNames()
     {
         Scanner scanner;
@@ -91,6 +82,11 @@ private Q_SLOTS:
         QCOMPARE(names,
                  (QStringList{QStringLiteral("a"), QStringLiteral("quote\" back\\slash\nnewline\t"),
                               QStringLiteral("latin1 \uFFFDt\uFFFD")}));
+        // The name that is not UTF-8 also carries its exact bytes.
+        const QJsonArray children = r["children"].toArray();
+        QCOMPARE(QByteArray::fromBase64(children[2]["nameBase64"].toString().toLatin1()),
+                 QByteArray("latin1 \xe9t\xe9"));
+        QVERIFY(!children[1].toObject().contains(QStringLiteral("nameBase64")));
         const QJsonObject a = r["children"].toArray().at(0).toObject();
         QCOMPARE(a["place"].toString(), Lore::name("a", Tier::microbe));
         QCOMPARE(a["children"].toArray().at(0)["name"].toString(), QStringLiteral("__pycache__"));
@@ -129,6 +125,30 @@ private Q_SLOTS:
         }
     }
 
+    // A folder name can hold terminal escapes, line breaks and bidirectional overrides; the text
+    // report shows them as visible escapes, one row per folder.
+    void hostileNamesCannotReachTheTerminal()
+    {
+        const QByteArray t = QFile::encodeName(TestSandbox::instance()->root()) + "/hostile";
+        makeDir(t);
+        for (const QByteArray &name :
+             {QByteArray("x\x1b]0;pwned\x07\x1b[2J"), QByteArray("evil\xe2\x80\xaegpj.exe"),
+              QByteArray("a\rb\nc")}) {
+            makeDir(t + "/" + name);
+            makeFile(t + "/" + name + "/f", 4096);
+        }
+        Scanner scanner;
+        const QByteArray text =
+            QByteArray::fromStdString(Report::text({scanner.scan(t.toStdString()), {}, {}, {}}));
+        for (const char bad : {'\x1b', '\x07', '\r'})
+            QVERIFY(!text.contains(bad));
+        QVERIFY(!text.contains("\xe2\x80\xae"));
+        QVERIFY(text.contains(" x\\x1B]0;pwned\\x07\\x1B[2J "));
+        QVERIFY(text.contains(" evil\\u202Egpj.exe "));
+        QVERIFY(text.contains(" a\\rb\\nc "));
+        QCOMPARE(text.count(" files\n"), 3); // one row each
+    }
+
     void depthLimitsChildren()
     {
         Scanner scanner;
@@ -143,6 +163,78 @@ private Q_SLOTS:
         QCOMPARE(one["children"].toArray().size(), 3);
         QVERIFY(!one["children"].toArray().at(0).toObject().contains(QStringLiteral("children")));
         QCOMPARE(childrenAt(2)["children"].toArray().at(0)["children"].toArray().size(), 2);
+    }
+
+    // Every spelling of a folder, and one whose name is not UTF-8, reports the same clean path.
+    void commandLineFoldersAreCleaned()
+    {
+        const QByteArray t = tree();
+        const std::pair<QString, QByteArray> spellings[] = {
+            {QStringLiteral("--scan=") + QFile::decodeName(t) + QStringLiteral("//a/..//"), t},
+            {QStringLiteral("--scan=~/../tree/a/"), t + "/a"},
+            {QStringLiteral("--scan=.."), t},
+            {QStringLiteral("deep/."), t + "/a/deep"},
+            {QStringLiteral("--scan=/"), "/"}};
+        for (const auto &[argument, expected] : spellings) {
+            QProcess p;
+            p.setWorkingDirectory(QFile::decodeName(t + "/a"));
+            p.start(qEnvironmentVariable("DUSTMERE_BINARY"),
+                    {argument, QStringLiteral("--report=json"), QStringLiteral("--depth=0")});
+            QVERIFY(p.waitForFinished(120'000));
+            const QJsonObject root =
+                QJsonDocument::fromJson(p.readAllStandardOutput())["root"].toObject();
+            QVERIFY2(root["path"].toString() == QFile::decodeName(expected), qPrintable(argument));
+        }
+        // The shell passes the bytes; a path decoded and encoded again would name no folder.
+        QProcess shell;
+        shell.start(QStringLiteral("sh"),
+                    {QStringLiteral("-c"),
+                     QStringLiteral("exec \"$0\" \"$(printf '%s/latin1 "
+                                    "\\351t\\351' \"$1\")\" --report=json --depth=0"),
+                     qEnvironmentVariable("DUSTMERE_BINARY"), QFile::decodeName(t)});
+        QVERIFY(shell.waitForFinished(60'000));
+        const QJsonObject root =
+            QJsonDocument::fromJson(shell.readAllStandardOutput())["root"].toObject();
+        QCOMPARE(QByteArray::fromBase64(root["pathBase64"].toString().toLatin1()),
+                 t + "/latin1 \xe9t\xe9");
+    }
+
+    // Root reads everything; these run as the unprivileged user.
+    void unreadableFoldersAreNamedAsSuch()
+    {
+        const QByteArray t = QFile::encodeName(TestSandbox::instance()->root()) + "/private";
+        makeDir(t);
+        makeDir(t + "/inner");
+        chmod(t, 0700);
+        chmod(QFile::encodeName(TestSandbox::instance()->root()), 0711);
+        const auto run = [](const QByteArray &folder) {
+            QStringList args{QStringLiteral("--scan=") + QFile::decodeName(folder),
+                             QStringLiteral("--report")};
+            if (geteuid() == 0)
+                args = QStringList{QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
+                                   QStringLiteral("--clear-groups"),
+                                   qEnvironmentVariable("DUSTMERE_BINARY")} +
+                       args;
+            QProcess p;
+            p.start(geteuid() == 0 ? QStringLiteral("setpriv")
+                                   : qEnvironmentVariable("DUSTMERE_BINARY"),
+                    args);
+            p.waitForFinished(60'000);
+            return Run{p.exitCode(), p.readAllStandardOutput(), p.readAllStandardError()};
+        };
+        if (geteuid() != 0)
+            chmod(t, 0);
+        const Run inside = run(t + "/inner");
+        const Run unreadable = run(t);
+        chmod(t, 0700);
+        if (inside.err.contains("setpriv"))
+            QSKIP("cannot run as an unprivileged user here");
+        QCOMPARE(inside.exitCode, 2);
+        QCOMPARE(inside.err, "dustmere: permission denied: " + t + "/inner\n");
+        QCOMPARE(unreadable.exitCode, 0);
+        QVERIFY(unreadable.out.startsWith("🦠 "));
+        QCOMPARE(unreadable.err, "dustmere: cannot read " + t +
+                                     ": Permission denied; the report shows nothing inside it\n");
     }
 
     void commandLineReports()

@@ -4,6 +4,9 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QProcess>
+#include <QScopeGuard>
+#include <array>
 #include <atomic>
 #include <fcntl.h>
 #include <future>
@@ -179,6 +182,52 @@ private Q_SLOTS:
         for (NodePtr n = root->child("deep"); !n->children().empty(); n = n->children().front())
             ++depth;
         QCOMPARE(depth, 300);
+    }
+
+    // Entries whose path is longer than the system takes are skipped by both walks alike, counted,
+    // and noted by the command line.
+    void pathsTooLongAreCountedAlike()
+    {
+        const QByteArray tree = sandboxPath("too-long");
+        makeDir(tree);
+        const std::string name(200, 'd');
+        const std::string file(200, 'f');
+        std::vector<int> folders{open(tree, O_RDONLY | O_DIRECTORY)};
+        // nftw cannot reach this deep to clean up; the descriptors can, whatever fails below.
+        const auto cleanUp = qScopeGuard([&folders, &name, &file] {
+            for (std::size_t i = folders.size() - 1; i > 0; --i) {
+                close(folders[i]);
+                unlinkat(folders[i - 1], name.c_str(), AT_REMOVEDIR);
+                unlinkat(folders[i - 1], file.c_str(), 0);
+            }
+            close(folders.front());
+        });
+        for (int level = 0; level < 24; ++level) {
+            QCOMPARE(mkdirat(folders.back(), name.c_str(), 0755), 0);
+            QVERIFY(close(openat(folders.back(), file.c_str(), O_CREAT | O_WRONLY, 0644)) == 0);
+            folders.push_back(openat(folders.back(), name.c_str(), O_RDONLY | O_DIRECTORY));
+        }
+        std::array<Scanner::Gaps, 2> gaps;
+        for (const Scanner::Walk walk : {Scanner::Walk::fts, Scanner::Walk::shared}) {
+            Scanner scanner;
+            scanner.setWalk(walk);
+            QVERIFY(scanner.scan(tree.toStdString()));
+            gaps[walk == Scanner::Walk::fts ? 0 : 1] = scanner.gaps();
+        }
+        compareWalks(tree);
+        QProcess report;
+        report.start(
+            qEnvironmentVariable("DUSTMERE_BINARY"),
+            {QStringLiteral("--scan=") + QFile::decodeName(tree), QStringLiteral("--report")});
+        QVERIFY(report.waitForFinished(60'000));
+
+        QVERIFY(gaps[0].tooLong > 0);
+        QCOMPARE(gaps[1].tooLong, gaps[0].tooLong);
+        QCOMPARE(report.exitCode(), 0);
+        QCOMPARE(report.readAllStandardError(),
+                 QByteArray("dustmere: ") + QByteArray::number(gaps[0].tooLong) +
+                     " entries not measured: their path is longer than the system allows (4096 "
+                     "bytes)\n");
     }
 
     // Folders vanish and files grow while both walks run: neither may crash or hang, and every
