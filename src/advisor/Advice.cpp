@@ -1,9 +1,9 @@
 #include "advisor/Advice.h"
 
+#include "platform/DisplayName.h"
 #include "platform/Home.h"
 #include "platform/Paths.h"
 
-#include <QFile>
 #include <string_view>
 
 namespace {
@@ -45,7 +45,7 @@ QString Advice::displayName(const std::string &home) const
     const bool qualified =
         !isFile() && (name.starts_with('.') || name == "Caches" || name == "Cache");
     if (!qualified)
-        return QFile::decodeName(QByteArray(name.data(), qsizetype(name.size())));
+        return DisplayName::of(name);
 
     const std::string_view parent = Paths::parent(path);
     std::string label;
@@ -53,7 +53,7 @@ QString Advice::displayName(const std::string &home) const
         label = "~";
     else if (parent != "/")
         label = Paths::lastComponent(parent);
-    return QFile::decodeName(QByteArray::fromStdString(label + '/' + std::string(name)));
+    return DisplayName::of(label + '/' + std::string(name));
 }
 
 QString Advice::displayName() const

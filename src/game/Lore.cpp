@@ -1,6 +1,7 @@
 #include "game/Lore.h"
 
 #include "game/Djb2.h"
+#include "platform/DisplayName.h"
 
 #include <QFile>
 #include <QHash>
@@ -172,7 +173,7 @@ QString Lore::name(std::string_view folderName, std::optional<Tier> tier)
     const auto list = templates(tier);
     const QLatin1StringView chosen(list[h % list.size()]);
     const qsizetype slot = chosen.indexOf(QLatin1StringView("%@"));
-    const QString name = cleaned(decoded);
+    const QString name = DisplayName::of(cleaned(decoded));
     QString place;
     place.reserve(chosen.size() + name.size() + 10);
     place.append(chosen.left(slot)).append(name).append(chosen.mid(slot + 2));
@@ -190,5 +191,5 @@ QString Lore::placeName(std::optional<std::string_view> path, std::string_view f
     }
     if (fantasyNames)
         return name(folderName, tier);
-    return QFile::decodeName(QByteArray(folderName.data(), qsizetype(folderName.size())));
+    return DisplayName::of(folderName);
 }

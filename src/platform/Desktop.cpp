@@ -3,13 +3,13 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDesktopServices>
-#include <QFile>
 
 namespace {
 
+// Built from the bytes, so a name that is not UTF-8 still addresses its own file.
 QUrl fileUrl(const std::string &path)
 {
-    return QUrl::fromLocalFile(QFile::decodeName(QByteArray::fromStdString(path)));
+    return QUrl::fromEncoded("file://" + QByteArray::fromStdString(path).toPercentEncoding("/"));
 }
 
 } // namespace

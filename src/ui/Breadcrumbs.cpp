@@ -2,11 +2,11 @@
 
 #include "game/Game.h"
 #include "platform/Appearance.h"
+#include "platform/DisplayName.h"
 #include "platform/Icons.h"
 #include "scan/Fmt.h"
 #include "session/Model.h"
 
-#include <QFile>
 #include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -73,8 +73,8 @@ void Breadcrumbs::rebuild()
         }
         auto *crumb = new QToolButton(m_content);
         crumb->setAutoRaise(true);
-        crumb->setText(QFile::decodeName(QByteArray::fromStdString(node->name())));
-        const QString path = QFile::decodeName(QByteArray::fromStdString(node->path()));
+        crumb->setText(DisplayName::of(node->name()));
+        const QString path = DisplayName::of(node->path());
         crumb->setToolTip(path);
         QFont f = crumb->font();
         f.setBold(node == current);

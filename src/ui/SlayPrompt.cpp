@@ -1,15 +1,14 @@
 #include "ui/SlayPrompt.h"
 
 #include "game/Tier.h"
+#include "platform/DisplayName.h"
 #include "scan/Fmt.h"
-
-#include <QFile>
 
 namespace {
 
 QString shown(std::string_view bytes)
 {
-    return QFile::decodeName(QByteArray(bytes.data(), qsizetype(bytes.size())));
+    return DisplayName::of(bytes);
 }
 
 } // namespace

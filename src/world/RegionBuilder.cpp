@@ -1,9 +1,9 @@
 #include "world/RegionBuilder.h"
 
 #include "game/Djb2.h"
+#include "platform/DisplayName.h"
 #include "scan/Fmt.h"
 
-#include <QFile>
 #include <QStringList>
 #include <algorithm>
 #include <cmath>
@@ -62,7 +62,7 @@ Region RegionBuilder::build(const Tile &tile, const QRectF &rect)
         r.clouds.push_back(randomPoint(inner));
 
     r.title = m_title(tile, r.tier);
-    const QString name = QFile::decodeName(QByteArray::fromStdString(tile.name));
+    const QString name = DisplayName::of(tile.name);
     const QString sizeText = folder && *folder ? Fmt::bytes((*folder)->size()) : QString();
     if (r.title == name) {
         r.subtitle = sizeText;

@@ -1,6 +1,7 @@
 #include "ui/screens/BountyRow.h"
 
 #include "game/Game.h"
+#include "platform/DisplayName.h"
 #include "platform/Emoji.h"
 #include "platform/Icons.h"
 #include "scan/Fmt.h"
@@ -70,11 +71,10 @@ BountyRow::BountyRow(Model &model, Game &game, Advice item, QWidget *parent)
     TextStyle::makeSecondary(reason);
     reason->setToolTip(m_item.reason);
     text->addWidget(reason);
-    auto *path = new ElidedLabel(QFile::decodeName(QByteArray::fromStdString(m_item.path)),
-                                 Qt::ElideMiddle, this);
+    auto *path = new ElidedLabel(DisplayName::of(m_item.path), Qt::ElideMiddle, this);
     path->setFont(TextStyle::caption2());
     path->setOpacity(0.6);
-    path->setToolTip(QFile::decodeName(QByteArray::fromStdString(m_item.path)));
+    path->setToolTip(DisplayName::of(m_item.path));
     text->addWidget(path);
     row->addLayout(text, 1);
 

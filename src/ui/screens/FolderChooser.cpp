@@ -1,8 +1,48 @@
 #include "ui/screens/FolderChooser.h"
 
+#include "platform/Paths.h"
+
 #include <QFile>
 #include <QFileDialog>
 #include <QPointer>
+#include <dirent.h>
+#include <sys/stat.h>
+
+namespace {
+
+// Qt hands back the chosen folder as text, which for a name that is not UTF-8 is not the name on
+// disk. Each component that does not exist as spelled is matched against the folder's entries
+// by how they read, and taken only when exactly one reads so.
+std::optional<std::string> onDisk(const QString &chosen)
+{
+    std::string path = "/";
+    for (const QString &piece : chosen.split(u'/', Qt::SkipEmptyParts)) {
+        std::string name = QFile::encodeName(piece).toStdString();
+        struct stat st;
+        if (lstat(Paths::absolute(name, path).c_str(), &st) != 0) {
+            std::optional<std::string> match;
+            if (DIR *dir = opendir(path.c_str())) {
+                while (const dirent *entry = readdir(dir)) {
+                    if (QFile::decodeName(entry->d_name) != piece)
+                        continue;
+                    if (match) {
+                        match.reset();
+                        break;
+                    }
+                    match = entry->d_name;
+                }
+                closedir(dir);
+            }
+            if (!match)
+                return std::nullopt;
+            name = *match;
+        }
+        path = Paths::absolute(name, path);
+    }
+    return path;
+}
+
+} // namespace
 
 Model::FolderChooser FolderChooser::dialog(QWidget *parent)
 {
@@ -20,9 +60,6 @@ Model::FolderChooser FolderChooser::dialog(QWidget *parent)
         const QStringList chosen = panel.selectedFiles();
         if (chosen.isEmpty())
             return std::nullopt;
-        std::string path = QFile::encodeName(chosen.front()).toStdString();
-        while (path.size() > 1 && path.back() == '/')
-            path.pop_back();
-        return path;
+        return onDisk(chosen.front());
     };
 }

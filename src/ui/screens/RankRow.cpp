@@ -1,6 +1,7 @@
 #include "ui/screens/RankRow.h"
 
 #include "game/Game.h"
+#include "platform/DisplayName.h"
 #include "platform/Emoji.h"
 #include "platform/Spring.h"
 #include "session/Model.h"
@@ -9,7 +10,6 @@
 #include "ui/screens/TileMenu.h"
 #include "world/ui/MonsterArt.h"
 
-#include <QFile>
 #include <QGraphicsOpacityEffect>
 #include <QKeyEvent>
 #include <QPainter>
@@ -85,10 +85,9 @@ void RankRow::setEntry(int rank, Tile tile, double fraction)
     m_meter->setTint(tier() ? std::optional(Tiers::landColor(*tier())) : std::nullopt);
     if (m_grown && rescaled)
         m_meter->setValue(m_fraction);
-    setAccessibleName(
-        QStringLiteral("Rank %1, %2, %3")
-            .arg(m_rank)
-            .arg(QFile::decodeName(QByteArray::fromStdString(m_tile.name)), valueText()));
+    setAccessibleName(QStringLiteral("Rank %1, %2, %3")
+                          .arg(m_rank)
+                          .arg(DisplayName::of(m_tile.name), valueText()));
     refreshDying();
     update();
 }
@@ -238,8 +237,8 @@ void RankRow::paintEvent(QPaintEvent *)
     const int nameX = padX + placeWidth + gap + iconWidth + gap;
     p.setFont(TextStyle::body());
     p.setPen(pal.color(QPalette::WindowText));
-    const QString name = QFontMetrics(p.font()).elidedText(
-        QFile::decodeName(QByteArray::fromStdString(m_tile.name)), Qt::ElideRight, nameWidth);
+    const QString name =
+        QFontMetrics(p.font()).elidedText(DisplayName::of(m_tile.name), Qt::ElideRight, nameWidth);
     p.drawText(QRect(nameX, 0, nameWidth, height()), Qt::AlignLeft | Qt::AlignVCenter, name);
 
     p.setFont(TextStyle::callout());

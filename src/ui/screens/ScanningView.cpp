@@ -4,6 +4,7 @@
 #include "game/Lore.h"
 #include "magic/ui/AmbientLayer.h"
 #include "platform/Appearance.h"
+#include "platform/DisplayName.h"
 #include "platform/Spring.h"
 #include "scan/Fmt.h"
 #include "session/Model.h"
@@ -13,7 +14,6 @@
 #include "world/ui/IslandRenderer.h"
 
 #include <QEvent>
-#include <QFile>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
@@ -89,7 +89,7 @@ ScanningView::~ScanningView() = default;
 
 QString ScanningView::folderName() const
 {
-    return QFile::decodeName(QByteArray::fromStdString(Node::rootName(m_model.scanPath())));
+    return DisplayName::of(Node::rootName(m_model.scanPath()));
 }
 
 std::string ScanningView::childPath(const std::string &name) const
@@ -183,7 +183,7 @@ void ScanningView::rebuildIsland()
                       fantasy = m_game.fantasyNames(), size = QSizeF(size())] {
         const auto title = [&](const Tile &tile, std::optional<Tier> tier) {
             if (!tile.folder())
-                return QFile::decodeName(QByteArray::fromStdString(tile.name));
+                return DisplayName::of(tile.name);
             return Lore::placeName(childPathOf(base, tile.name), tile.name, tier, names, fantasy);
         };
         return WorldLayout::build(

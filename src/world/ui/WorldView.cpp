@@ -7,6 +7,7 @@
 #include "magic/SpellCaster.h"
 #include "magic/ui/AmbientLayer.h"
 #include "magic/ui/SpellBar.h"
+#include "platform/DisplayName.h"
 #include "session/Model.h"
 #include "world/Player.h"
 #include "world/SteadyClock.h"
@@ -16,7 +17,6 @@
 #include "world/ui/WorldScene.h"
 
 #include <QAbstractButton>
-#include <QFile>
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QMetaObject>
@@ -32,7 +32,7 @@ constexpr double pinchOut = 0.87;
 
 QString display(const std::string &bytes)
 {
-    return QFile::decodeName(QByteArray::fromStdString(bytes));
+    return DisplayName::of(bytes);
 }
 
 } // namespace
