@@ -2,8 +2,8 @@
 
 #include "game/Djb2.h"
 #include "platform/DisplayName.h"
+#include "platform/Utf8.h"
 
-#include <QFile>
 #include <QHash>
 #include <QTextBoundaryFinder>
 #include <array>
@@ -155,8 +155,7 @@ QString cleaned(const QString &folderName)
 
 QString Lore::name(std::string_view folderName, std::optional<Tier> tier)
 {
-    const QString decoded =
-        QFile::decodeName(QByteArray(folderName.data(), qsizetype(folderName.size())));
+    const QString decoded = Utf8::lossless(folderName);
     static const qsizetype longestKnown = [] {
         qsizetype n = 0;
         for (auto it = knownNames().cbegin(); it != knownNames().cend(); ++it)
@@ -186,8 +185,9 @@ QString Lore::placeName(std::optional<std::string_view> path, std::string_view f
                         std::optional<Tier> tier, const CustomNames &customNames, bool fantasyNames)
 {
     if (path) {
+        // A hand-edited settings file can put anything here.
         if (const auto custom = customNames.find(*path); custom != customNames.end())
-            return custom->second;
+            return DisplayName::of(custom->second);
     }
     if (fantasyNames)
         return name(folderName, tier);

@@ -2,7 +2,6 @@
 
 #include "platform/Utf8.h"
 
-#include <QList>
 #include <algorithm>
 
 namespace {
@@ -97,7 +96,15 @@ QString DisplayName::of(const QString &text)
     if (std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u' ' && c < u'\x7F'; }))
         return text;
     Shown shown;
-    for (const char32_t c : text.toUcs4())
-        shown.add(c);
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t unit = text.at(i).unicode();
+        if (QChar::isHighSurrogate(unit) && i + 1 < text.size() && text.at(i + 1).isLowSurrogate()) {
+            shown.add(QChar::surrogateToUcs4(unit, text.at(++i).unicode()));
+        } else if (unit >= 0xDC80 && unit <= 0xDCFF) {
+            shown.addInvalidByte(static_cast<unsigned char>(unit & 0xFF)); // see Utf8::lossless
+        } else {
+            shown.add(QChar::isSurrogate(unit) ? char32_t(0xFFFD) : char32_t(unit));
+        }
+    }
     return shown.take();
 }

@@ -12,7 +12,8 @@
 namespace DisplayName {
 
 [[nodiscard]] QString of(std::string_view bytes);
-// For text that is already decoded: a place name made from a folder's name, a custom name.
+// For text that is already decoded: a place name made from a folder's name, a custom name. Bytes
+// kept by Utf8::lossless show as they would from the bytes.
 [[nodiscard]] QString of(const QString &text);
 
 } // namespace DisplayName

@@ -60,6 +60,8 @@ bool Utf8::isValid(std::string_view bytes)
 
 QString Utf8::lossless(std::string_view bytes)
 {
+    if (isValid(bytes))
+        return QString::fromUtf8(bytes.data(), qsizetype(bytes.size()));
     QString text;
     text.reserve(qsizetype(bytes.size()));
     char32_t cp = 0;
@@ -70,7 +72,12 @@ QString Utf8::lossless(std::string_view bytes)
             ++i;
             continue;
         }
-        text += QString::fromUcs4(&cp, 1);
+        if (QChar::requiresSurrogates(cp)) {
+            text += QChar(QChar::highSurrogate(cp));
+            text += QChar(QChar::lowSurrogate(cp));
+        } else {
+            text += QChar(char16_t(cp));
+        }
         i += length;
     }
     return text;

@@ -17,11 +17,25 @@
 
 #include <QDir>
 #include <QFrame>
+#include <QGridLayout>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QTimer>
 #include <QVBoxLayout>
+
+namespace {
+
+// QMessageBox sizes itself to its short title and wraps the rest into a narrow column; a path or
+// a sentence of explanation reads better on a few wide lines.
+void widen(QMessageBox &box)
+{
+    if (auto *grid = qobject_cast<QGridLayout *>(box.layout()))
+        grid->addItem(new QSpacerItem(440, 0, QSizePolicy::Minimum, QSizePolicy::Fixed),
+                      grid->rowCount(), 0, 1, grid->columnCount());
+}
+
+} // namespace
 
 ContentView::ContentView(Model &model, Game &game, Magic &magic, Options options, QWidget *parent)
     : QWidget(parent), m_model(model), m_game(game), m_options(std::move(options))
@@ -127,6 +141,7 @@ void ContentView::tellSettingsKept(const QString &backup)
     box->setInformativeText(
         QStringLiteral("Dustmere started with fresh settings and kept the damaged file as %1.")
             .arg(DisplayName::of(QDir::toNativeSeparators(backup))));
+    widen(*box);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
 }
@@ -189,6 +204,7 @@ void ContentView::showError()
         new QMessageBox(QMessageBox::Critical, QStringLiteral("Dustmere"),
                         QStringLiteral("Couldn't slay that one"), QMessageBox::Ok, window());
     box->setInformativeText(*error);
+    widen(*box);
     box->setAttribute(Qt::WA_DeleteOnClose);
     m_alert = box;
     connect(box, &QMessageBox::finished, this, [this] {

@@ -65,8 +65,10 @@ private Q_SLOTS:
         // The hash sees the name as given, so case changes the template.
         QTest::newRow("upper-case last letter") << QByteArray("dataX") << -1 << "DataX Shoals";
         QTest::newRow("lower-case last letter") << QByteArray("datax") << -1 << "Datax Isles";
-        QTest::newRow("invalid UTF-8 hashed as bytes")
-            << QByteArray("\xff\xfe_x") << -1 << QString::fromUtf8("\uFFFD\uFFFD X Isles");
+        QTest::newRow("invalid UTF-8 hashed and shown as bytes")
+            << QByteArray("\xff\xfe_x") << -1 << QStringLiteral("\\xFF\\xFE X Isles");
+        QTest::newRow("control characters shown") << QByteArray("a\x1b[2J") << -1
+                                                  << QStringLiteral("A\\x1B[2J Reef");
     }
 
     void generatedNames()

@@ -98,7 +98,7 @@ QString WorldView::realmTitle() const
         return {};
     const std::string path = current->path();
     if (const std::optional<QString> custom = m_game.customName(path))
-        return *custom;
+        return DisplayName::of(*custom);
     if (m_game.fantasyNames())
         return Lore::name(current->name(), Tiers::ofBytes(current->size()));
     return QStringLiteral("The Realm of ") + display(current->name());
