@@ -1,6 +1,7 @@
 #include "platform/Settings.h"
 #include "platform/SettingsJson.h"
 #include "support/TestSandbox.h"
+#include "support/TreeBuilder.h"
 
 #include <QDir>
 #include <QFile>
@@ -10,20 +11,9 @@
 #include <iterator>
 #include <limits>
 
+using namespace TreeBuilder;
+
 namespace {
-
-QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
-}
-
-bool writeFile(const QString &path, const QByteArray &bytes)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
 
 QVariantMap sample()
 {

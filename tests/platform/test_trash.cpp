@@ -5,7 +5,6 @@
 
 #include <QDir>
 #include <QRegularExpression>
-#include <fcntl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 
@@ -22,18 +21,6 @@ bool exists(const QByteArray &path)
 {
     struct stat st;
     return lstat(path.constData(), &st) == 0;
-}
-
-// By bytes: QFile would address a name that is not UTF-8 as another one.
-QByteArray readAll(const QByteArray &path)
-{
-    QByteArray text(4096, '\0');
-    const int fd = open(path.constData(), O_RDONLY);
-    const ssize_t n = fd < 0 ? 0 : read(fd, text.data(), text.size());
-    if (fd >= 0)
-        close(fd);
-    text.truncate(std::max<ssize_t>(n, 0));
-    return text;
 }
 
 QStringList entries(const QByteArray &folder)
@@ -128,7 +115,7 @@ private Q_SLOTS:
                 makeFile(work + "/" + name, 4096);
             QCOMPARE(trash(work + "/" + name), bin + "/files/" + trashName);
             QVERIFY(!exists(work + "/" + name));
-            const QByteArray info = readAll(bin + "/info/" + trashName + ".trashinfo");
+            const QByteArray info = readFile(bin + "/info/" + trashName + ".trashinfo");
             QVERIFY2(info.startsWith("[Trash Info]\nPath=" + work + "/" + encoded + "\n"),
                      info.constData());
             QVERIFY2(QString::fromUtf8(info).contains(date), info);
@@ -201,7 +188,7 @@ private Q_SLOTS:
         const QByteArray own = top + "/.Trash-" + QByteArray::number(getuid());
         QCOMPARE(trash(top + "/cache"), own + "/files/cache");
         QVERIFY(exists(own + "/files/cache/blob"));
-        QCOMPARE(readAll(own + "/info/cache.trashinfo").split('\n').at(1), "Path=cache");
+        QCOMPARE(readFile(own + "/info/cache.trashinfo").split('\n').at(1), "Path=cache");
         struct stat st;
         QVERIFY(lstat(own, &st) == 0 && (st.st_mode & 07777) == 0700);
         QVERIFY(
@@ -216,7 +203,7 @@ private Q_SLOTS:
         makeFile(top + "/sub/logs", 4096);
         const QByteArray shared = top + "/.Trash/" + QByteArray::fromStdString(uid);
         QCOMPARE(trash(top + "/sub/logs"), shared + "/files/logs");
-        QCOMPARE(readAll(shared + "/info/logs.trashinfo").split('\n').at(1), "Path=sub/logs");
+        QCOMPARE(readFile(shared + "/info/logs.trashinfo").split('\n').at(1), "Path=sub/logs");
 
         // Read-only with a trash already on it: a clear failure at once, nothing moved.
         makeFile(top + "/kept", 4096);

@@ -2,25 +2,15 @@
 #include "platform/SettingsJson.h"
 #include "session/Migration.h"
 #include "support/TestSandbox.h"
+#include "support/TreeBuilder.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
+using namespace TreeBuilder;
+
 namespace {
-
-QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
-}
-
-bool writeFile(const QString &path, const QByteArray &bytes)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
 
 QString oldPath()
 {

@@ -76,6 +76,28 @@ std::uint64_t allocated(const QByteArray &path)
     return std::uint64_t(st.st_blocks) * 512;
 }
 
+QByteArray readFile(const QByteArray &path)
+{
+    const int fd = open(path.constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return "<unreadable>";
+    QByteArray text;
+    char buffer[65536];
+    for (ssize_t n; (n = read(fd, buffer, sizeof buffer)) > 0;)
+        text.append(buffer, n);
+    close(fd);
+    return text;
+}
+
+bool writeFile(const QByteArray &path, const QByteArray &bytes)
+{
+    QDir().mkpath(QFile::decodeName(path.left(path.lastIndexOf('/'))));
+    const int fd = open(path.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    const bool written =
+        fd >= 0 && write(fd, bytes.constData(), std::size_t(bytes.size())) == bytes.size();
+    return (fd < 0 || close(fd) == 0) && written;
+}
+
 void removeTree(const QByteArray &root)
 {
     const QByteArray temp = QFile::encodeName(QDir::tempPath()) + '/';

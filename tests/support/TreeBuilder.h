@@ -3,6 +3,7 @@
 #include "scan/Node.h"
 
 #include <QByteArray>
+#include <QFile>
 #include <QString>
 #include <cstdint>
 #include <ctime>
@@ -20,6 +21,18 @@ void makeHardLink(const QByteArray &existing, const QByteArray &link);
 void makeFifo(const QByteArray &path);
 void setModified(const QByteArray &path, std::time_t when);
 [[nodiscard]] std::uint64_t allocated(const QByteArray &path);
+// A whole file by its byte path ("<unreadable>" when it cannot be read), and written whole,
+// its folder made first. The QString forms take a path as Qt names it.
+[[nodiscard]] QByteArray readFile(const QByteArray &path);
+bool writeFile(const QByteArray &path, const QByteArray &bytes);
+[[nodiscard]] inline QByteArray readFile(const QString &path)
+{
+    return readFile(QFile::encodeName(path));
+}
+inline bool writeFile(const QString &path, const QByteArray &bytes)
+{
+    return writeFile(QFile::encodeName(path), bytes);
+}
 
 // Removes a test's own folder tree, whatever bytes its names hold. Refuses anything outside the
 // temporary folder and never crosses into another mounted file system.
