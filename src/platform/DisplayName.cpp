@@ -98,7 +98,8 @@ QString DisplayName::of(const QString &text)
     Shown shown;
     for (qsizetype i = 0; i < text.size(); ++i) {
         const char16_t unit = text.at(i).unicode();
-        if (QChar::isHighSurrogate(unit) && i + 1 < text.size() && text.at(i + 1).isLowSurrogate()) {
+        if (QChar::isHighSurrogate(unit) && i + 1 < text.size() &&
+            text.at(i + 1).isLowSurrogate()) {
             shown.add(QChar::surrogateToUcs4(unit, text.at(++i).unicode()));
         } else if (unit >= 0xDC80 && unit <= 0xDCFF) {
             shown.addInvalidByte(static_cast<unsigned char>(unit & 0xFF)); // see Utf8::lossless

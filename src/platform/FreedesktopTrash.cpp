@@ -28,15 +28,6 @@ struct Refusal
     QString why;
 };
 
-std::string join(std::string_view folder, std::string_view name)
-{
-    std::string path(folder);
-    if (!path.ends_with('/'))
-        path += '/';
-    path += name;
-    return path;
-}
-
 QString reason(int error)
 {
     return QString::fromLocal8Bit(std::strerror(error)).toLower();
@@ -89,7 +80,7 @@ int ensureBin(const std::string &folder, bool mustOwn)
     int error = ensureFolder(folder, mustOwn);
     for (const char *sub : {"files", "info"}) {
         if (error == 0)
-            error = ensureFolder(join(folder, sub), mustOwn);
+            error = ensureFolder(Paths::join(folder, sub), mustOwn);
     }
     return error;
 }
@@ -105,7 +96,8 @@ int ensureHomeBin(const std::string &trash)
         if (mkdir(partial.c_str(), 0700) != 0 && errno != EEXIST)
             return errno;
     }
-    for (const std::string &folder : {trash, join(trash, "files"), join(trash, "info")}) {
+    for (const std::string &folder :
+         {trash, Paths::join(trash, "files"), Paths::join(trash, "info")}) {
         struct stat st;
         if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST)
             return errno;
@@ -128,12 +120,12 @@ std::variant<Bin, Refusal> binFor(const std::string &path, dev_t device)
     }
     const std::string top = topdirOf(path, device);
     const std::string uid = std::to_string(getuid());
-    const std::string shared = join(top, ".Trash");
+    const std::string shared = Paths::join(top, ".Trash");
     struct stat st;
     if (lstat(shared.c_str(), &st) == 0 && S_ISDIR(st.st_mode) && (st.st_mode & S_ISVTX) &&
-        ensureBin(join(shared, uid), true) == 0)
-        return Bin{join(shared, uid), top};
-    const std::string own = join(top, ".Trash-" + uid);
+        ensureBin(Paths::join(shared, uid), true) == 0)
+        return Bin{Paths::join(shared, uid), top};
+    const std::string own = Paths::join(top, ".Trash-" + uid);
     if (const int error = ensureBin(own, true)) {
         return Refusal{QStringLiteral("the drive it is on has no Trash Dustmere can use (%1)")
                            .arg(reason(error))};
@@ -196,6 +188,8 @@ bool writeAll(int fd, const std::string &text)
         const ssize_t n = write(fd, text.data() + done, text.size() - done);
         if (n < 0 && errno == EINTR)
             continue;
+        if (n == 0)
+            errno = EIO; // nothing written and no reason given
         if (n <= 0)
             return false;
         done += std::size_t(n);
@@ -258,7 +252,7 @@ TrashCan::Result FreedesktopTrash::moveToTrash(const std::string &rawPath)
         return failed(QStringLiteral("it is part of the Trash"));
     // Checked before anything is written, so a read-only drive or folder fails at once.
     for (const std::string &writable :
-         {folder, join(bin.folder, "files"), join(bin.folder, "info")}) {
+         {folder, Paths::join(bin.folder, "files"), Paths::join(bin.folder, "info")}) {
         if (access(writable.c_str(), W_OK | X_OK) != 0)
             return failed(reason(errno));
     }
@@ -267,7 +261,7 @@ TrashCan::Result FreedesktopTrash::moveToTrash(const std::string &rawPath)
     const std::string_view base = Paths::lastComponent(path);
     for (int n = 1; n <= maxNames; ++n) {
         const std::string trashName = candidate(base, n);
-        const std::string info = join(bin.folder, "info/" + trashName + ".trashinfo");
+        const std::string info = Paths::join(bin.folder, "info/" + trashName + ".trashinfo");
         const int fd =
             open(info.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
         if (fd < 0) {
@@ -276,20 +270,21 @@ TrashCan::Result FreedesktopTrash::moveToTrash(const std::string &rawPath)
             return failed(reason(errno));
         }
         // From here on the .trashinfo is ours, and the only thing a failure takes back.
-        const std::string target = join(bin.folder, "files/" + trashName);
+        const std::string target = Paths::join(bin.folder, "files/" + trashName);
         struct stat st;
         if (lstat(target.c_str(), &st) == 0) { // an item left without its info keeps its name
             close(fd);
             unlink(info.c_str());
             continue;
         }
-        const bool written = writeAll(fd, text);
-        const int writeError = errno;
-        if (close(fd) != 0 || !written) {
+        int error = writeAll(fd, text) ? 0 : errno;
+        if (close(fd) != 0 && error == 0)
+            error = errno;
+        if (error != 0) {
             unlink(info.c_str());
-            return failed(reason(written ? errno : writeError));
+            return failed(reason(error));
         }
-        if (const int error = moveWithoutReplacing(path, target)) {
+        if ((error = moveWithoutReplacing(path, target)) != 0) {
             unlink(info.c_str());
             if (error == EEXIST || error == ENOTEMPTY)
                 continue;

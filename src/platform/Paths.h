@@ -28,6 +28,16 @@ namespace Paths {
            (path.size() == folder.size() || folder.ends_with('/') || path[folder.size()] == '/');
 }
 
+// `name` inside `folder`, with one slash between them ("/" + "usr" is "/usr").
+[[nodiscard]] inline std::string join(std::string_view folder, std::string_view name)
+{
+    std::string path(folder);
+    if (!path.ends_with('/'))
+        path += '/';
+    path += name;
+    return path;
+}
+
 // The one spelling of a path: no empty or "." components, ".." taken away with the component
 // before it (never above "/"), no trailing slash; "/" stays "/". Purely textual, on bytes, so it
 // never touches the disk. A relative path stays relative ("" and "." become ".").

@@ -1,5 +1,6 @@
 #include "scan/Scanner.h"
 
+#include "platform/Paths.h"
 #include "scan/SharedWalk.h"
 
 #include <QThread>
@@ -17,13 +18,6 @@ namespace {
 std::uint64_t allocatedBytes(const struct stat &st)
 {
     return st.st_blocks > 0 ? static_cast<std::uint64_t>(st.st_blocks) * Scanner::blockUnit : 0;
-}
-
-std::string joinPath(const std::string &folder, const char *name)
-{
-    std::string p = folder == "/" ? std::string("/") : folder + '/';
-    p += name;
-    return p;
 }
 
 } // namespace
@@ -84,7 +78,7 @@ NodePtr Scanner::scan(const std::string &path)
             const std::string_view name = entry->d_name;
             if (name == "." || name == "..")
                 continue;
-            const std::string entryPath = joinPath(path, entry->d_name);
+            const std::string entryPath = Paths::join(path, entry->d_name);
             struct stat st;
             if (lstat(entryPath.c_str(), &st) != 0)
                 continue;

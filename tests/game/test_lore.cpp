@@ -67,8 +67,8 @@ private Q_SLOTS:
         QTest::newRow("lower-case last letter") << QByteArray("datax") << -1 << "Datax Isles";
         QTest::newRow("invalid UTF-8 hashed and shown as bytes")
             << QByteArray("\xff\xfe_x") << -1 << QStringLiteral("\\xFF\\xFE X Isles");
-        QTest::newRow("control characters shown") << QByteArray("a\x1b[2J") << -1
-                                                  << QStringLiteral("A\\x1B[2J Reef");
+        QTest::newRow("control characters shown")
+            << QByteArray("a\x1b[2J") << -1 << QStringLiteral("A\\x1B[2J Reef");
     }
 
     void generatedNames()

@@ -255,8 +255,8 @@ private Q_SLOTS:
 
         // Standing in the sea (where the random coast leaves some): the biggest monster.
         QPointF sea;
-        for (double x = 0; x < 800 && m_player->layout()->regionIndex(sea, {}); x += 5)
-            sea = {x, 2};
+        for (int i = 0; i < 80 * 60 && m_player->layout()->regionIndex(sea, {}); ++i)
+            sea = QPointF(i % 80, i / 80) * 10;
         m_player->jump(sea);
         QVERIFY(!m_player->regionIndex());
         m_caster->cast(Spell::teleport);

@@ -173,8 +173,7 @@ private Q_SLOTS:
             {QStringLiteral("--scan=") + QFile::decodeName(t) + QStringLiteral("//a/..//"), t},
             {QStringLiteral("--scan=~/../tree/a/"), t + "/a"},
             {QStringLiteral("--scan=.."), t},
-            {QStringLiteral("deep/."), t + "/a/deep"},
-            {QStringLiteral("--scan=/"), "/"}};
+            {QStringLiteral("deep/."), t + "/a/deep"}};
         for (const auto &[argument, expected] : spellings) {
             QProcess p;
             p.setWorkingDirectory(QFile::decodeName(t + "/a"));

@@ -19,7 +19,7 @@ std::optional<std::string> onDisk(const QString &chosen)
     for (const QString &piece : chosen.split(u'/', Qt::SkipEmptyParts)) {
         std::string name = QFile::encodeName(piece).toStdString();
         struct stat st;
-        if (lstat(Paths::absolute(name, path).c_str(), &st) != 0) {
+        if (lstat(Paths::join(path, name).c_str(), &st) != 0) {
             std::optional<std::string> match;
             if (DIR *dir = opendir(path.c_str())) {
                 while (const dirent *entry = readdir(dir)) {
@@ -37,7 +37,7 @@ std::optional<std::string> onDisk(const QString &chosen)
                 return std::nullopt;
             name = *match;
         }
-        path = Paths::absolute(name, path);
+        path = Paths::join(path, name);
     }
     return path;
 }

@@ -5,6 +5,7 @@
 #include "magic/ui/AmbientLayer.h"
 #include "platform/Appearance.h"
 #include "platform/DisplayName.h"
+#include "platform/Paths.h"
 #include "platform/Spring.h"
 #include "scan/Fmt.h"
 #include "session/Model.h"
@@ -22,15 +23,6 @@
 #include <QVBoxLayout>
 #include <algorithm>
 #include <unordered_set>
-
-namespace {
-
-std::string childPathOf(const std::string &base, const std::string &name)
-{
-    return base.empty() || base.back() == '/' ? base + name : base + "/" + name;
-}
-
-} // namespace
 
 ScanningView::ScanningView(Model &model, Game &game, bool reduceMotion, QWidget *parent)
     : QWidget(parent), m_model(model), m_game(game), m_reduceMotion(reduceMotion),
@@ -94,7 +86,7 @@ QString ScanningView::folderName() const
 
 std::string ScanningView::childPath(const std::string &name) const
 {
-    return childPathOf(m_model.scanPath(), name);
+    return Paths::join(m_model.scanPath(), name);
 }
 
 QString ScanningView::heading() const
@@ -184,7 +176,7 @@ void ScanningView::rebuildIsland()
         const auto title = [&](const Tile &tile, std::optional<Tier> tier) {
             if (!tile.folder())
                 return DisplayName::of(tile.name);
-            return Lore::placeName(childPathOf(base, tile.name), tile.name, tier, names, fantasy);
+            return Lore::placeName(Paths::join(base, tile.name), tile.name, tier, names, fantasy);
         };
         return WorldLayout::build(
             tiles, base, size, [&explored](const std::string &p) { return explored.contains(p); },
