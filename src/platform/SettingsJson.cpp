@@ -1,5 +1,7 @@
 #include "platform/SettingsJson.h"
 
+#include "platform/Utf8.h"
+
 #include <QDate>
 #include <QDateTime>
 #include <QStringList>
@@ -238,37 +240,11 @@ private:
         return true;
     }
 
-    // Strict: no overlong forms, no encoded surrogates, nothing past U+10FFFF.
     bool utf8(QString &out)
     {
-        const auto lead = uchar(*m_p);
-        int length = 0;
         char32_t cp = 0;
-        char32_t smallest = 0;
-        if (lead >= 0xC2 && lead <= 0xDF) {
-            length = 2;
-            cp = lead & 0x1F;
-            smallest = 0x80;
-        } else if (lead >= 0xE0 && lead <= 0xEF) {
-            length = 3;
-            cp = lead & 0x0F;
-            smallest = 0x800;
-        } else if (lead >= 0xF0 && lead <= 0xF4) {
-            length = 4;
-            cp = lead & 0x07;
-            smallest = 0x10000;
-        } else {
-            return false;
-        }
-        if (m_end - m_p < length)
-            return false;
-        for (int i = 1; i < length; ++i) {
-            const auto next = uchar(m_p[i]);
-            if ((next & 0xC0) != 0x80)
-                return false;
-            cp = (cp << 6) | (next & 0x3F);
-        }
-        if (cp < smallest || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF))
+        const std::size_t length = Utf8::sequence(std::string_view(m_p, m_end - m_p), 0, cp);
+        if (length == 0)
             return false;
         appendCodePoint(out, cp);
         m_p += length;
