@@ -51,6 +51,12 @@ QList<QToolButton *> Breadcrumbs::crumbs() const
 
 void Breadcrumbs::rebuild()
 {
+    // A layout shows new children only once the event loop runs, and a bar that lays itself out
+    // before then would size the trail by an empty row: show them now.
+    const auto add = [this](QWidget *w) {
+        m_row->addWidget(w);
+        w->show();
+    };
     while (QLayoutItem *item = m_row->takeAt(0)) {
         delete item->widget();
         delete item;
@@ -69,7 +75,7 @@ void Breadcrumbs::rebuild()
             auto *chevron = new QLabel(m_content);
             chevron->setPixmap(
                 Icons::symbol(QStringLiteral("chevron.right"), secondary, 10).pixmap(10, 10));
-            m_row->addWidget(chevron);
+            add(chevron);
         }
         auto *crumb = new QToolButton(m_content);
         crumb->setAutoRaise(true);
@@ -84,7 +90,7 @@ void Breadcrumbs::rebuild()
             if (const NodePtr n = weak.lock())
                 m_model.go(n, m_game);
         });
-        m_row->addWidget(crumb);
+        add(crumb);
     }
     m_size = new QLabel(QStringLiteral("· ") + Fmt::bytes(current->size()), m_content);
     QFont numbers = QFontDatabase::systemFont(QFontDatabase::FixedFont);
@@ -92,7 +98,7 @@ void Breadcrumbs::rebuild()
     QPalette pal = m_size->palette();
     pal.setColor(QPalette::WindowText, secondary);
     m_size->setPalette(pal);
-    m_row->addWidget(m_size);
+    add(m_size);
     m_row->addStretch(1);
     updateGeometry();
     QTimer::singleShot(0, this, &Breadcrumbs::scrollToEnd);

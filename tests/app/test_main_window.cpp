@@ -161,6 +161,8 @@ private Q_SLOTS:
         makeDir(tree + "/a");
         makeDir(tree + "/a/b");
         makeFile(tree + "/a/b/x", 8192);
+        makeDir(tree + "/a/__pycache__");
+        makeFile(tree + "/a/__pycache__/blob", 26'000'000);
         open();
         scan(tree);
         m_model->go(m_model->node(tree.toStdString() + "/a/b"), *m_game);
@@ -175,6 +177,14 @@ private Q_SLOTS:
         QVERIFY(bar().upButton()->isEnabled());
         bar().upButton()->click();
         QCOMPARE(m_model->current(), m_model->root());
+        // Slaying a bounty rebuilds the trail while the bar changes around it; it stays in view.
+        m_model->setDeathDuration(std::chrono::milliseconds(0));
+        m_model->slay(m_model->node(tree.toStdString() + "/a/__pycache__"), *m_game);
+        QTRY_VERIFY(!m_model->dying());
+        for (int pass = 0; pass < 3; ++pass)
+            QCoreApplication::sendPostedEvents(); // the bar's layout, then the trail's
+        QVERIFY(bar().breadcrumbs()->height() >= bar().breadcrumbs()->crumbs().front()->height());
+        QVERIFY(bar().breadcrumbs()->crumbs().front()->isVisible());
     }
 
     void worldMenuShortcuts()
