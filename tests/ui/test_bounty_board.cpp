@@ -284,6 +284,10 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(&board));
         QVERIFY(!board.showsEmptyBoard());
 
+        // One slain: the sweep button counts down and ends on the exact figure.
+        m_s->model->slayAll({two.front()}, *m_s->game);
+        QTRY_COMPARE(board.slayAllButton()->text(),
+                     QStringLiteral("Slay all safe · ") + Fmt::bytes(30 * MB));
         m_s->model->slayAll(board.safeItems(), *m_s->game);
         QCOMPARE(m_s->trashed->size(), 2u);
         QVERIFY(board.showsEmptyBoard());

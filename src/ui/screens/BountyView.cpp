@@ -15,6 +15,7 @@
 #include <QScrollBar>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <cmath>
 #include <numeric>
 
 namespace {
@@ -68,9 +69,15 @@ BountyView::BountyView(Model &model, Game &game, QWidget *parent)
 
     m_countDown.setDuration(450);
     m_countDown.setEasingCurve(QEasingCurve::OutCubic);
+    // Animated as a double: Qt has no interpolator for 64-bit integers and would hold the start.
     connect(&m_countDown, &QVariantAnimation::valueChanged, this, [this](const QVariant &v) {
         if (m_slayAll)
-            m_slayAll->setText(tr("Slay all safe · %1").arg(Fmt::bytes(v.toULongLong())));
+            m_slayAll->setText(tr("Slay all safe · %1")
+                                   .arg(Fmt::bytes(std::uint64_t(std::llround(v.toDouble())))));
+    });
+    connect(&m_countDown, &QVariantAnimation::finished, this, [this] {
+        if (m_slayAll)
+            m_slayAll->setText(tr("Slay all safe · %1").arg(Fmt::bytes(m_safeTotal)));
     });
 
     connect(&m_model, &Model::adviceChanged, this, &BountyView::invalidate);
@@ -210,8 +217,8 @@ void BountyView::showSafeTotal(std::uint64_t bytes)
     if (m_reduceMotion || from <= bytes || !isVisible())
         return;
     m_slayAll->setText(tr("Slay all safe · %1").arg(Fmt::bytes(from)));
-    m_countDown.setStartValue(QVariant::fromValue<qulonglong>(from));
-    m_countDown.setEndValue(QVariant::fromValue<qulonglong>(bytes));
+    m_countDown.setStartValue(double(from));
+    m_countDown.setEndValue(double(bytes));
     m_countDown.start();
 }
 
