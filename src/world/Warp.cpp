@@ -35,14 +35,38 @@ constexpr int restartEvery = 32;
 double Warp::edgeWeight(double x, double y) const
 {
     const double e =
-        std::min({x - m_land.left(), m_land.right() - x, y - m_land.top(), m_land.bottom() - y});
+        std::min({x - m_base.left(), m_base.right() - x, y - m_base.top(), m_base.bottom() - y});
     return std::max(1.0 - e / 60.0, 0.0);
+}
+
+double Warp::eased(double v, double low, double high) const
+{
+    if (m_reach <= 0)
+        return v;
+    // Smooth (tanh) past the knee, so a capped bulge has round shoulders rather than a flat top.
+    const double knee = 0.5 * m_reach;
+    const double room = m_reach - knee;
+    if (v > high + knee)
+        return high + knee + room * std::tanh((v - high - knee) / room);
+    if (v < low - knee)
+        return low - knee - room * std::tanh((low - knee - v) / room);
+    return v;
+}
+
+QPointF Warp::placed(double x, double y) const
+{
+    return QPointF(eased(x, m_base.left(), m_base.right()),
+                   eased(y, m_base.top(), m_base.bottom())) *
+           m_zoom;
 }
 
 QPointF Warp::operator()(QPointF point) const
 {
-    const double x = point.x();
-    const double y = point.y();
+    return atBase(point.x() / m_zoom, point.y() / m_zoom);
+}
+
+QPointF Warp::atBase(double x, double y) const
+{
     const double p = m_phase;
     const auto s = [](double v) { return std::sin(v); };
 
@@ -55,13 +79,13 @@ QPointF Warp::operator()(QPointF point) const
     const double k = edgeWeight(x, y);
     // Deep inside the land the rough edge term is zero; skipping its four sines changes nothing.
     if (k == 0.0)
-        return {x + m_amplitude * dx0 / 1.6, y + m_amplitude * dy0 / 1.6};
+        return placed(x + m_amplitude * dx0 / 1.6, y + m_amplitude * dy0 / 1.6);
 
     const double dx =
         dx0 + k * (0.9 * s(0.045 * x + 0.05 * y + 3 * p) + 0.35 * s(0.09 * x - 0.07 * y + 5 * p));
     const double dy =
         dy0 + k * (0.9 * s(0.05 * y - 0.04 * x + 4 * p) + 0.35 * s(0.075 * x + 0.085 * y + 6 * p));
-    return {x + m_amplitude * dx / 1.6, y + m_amplitude * dy / 1.6};
+    return placed(x + m_amplitude * dx / 1.6, y + m_amplitude * dy / 1.6);
 }
 
 // Along a line each sine's angle grows by the same step per point, so its sine and cosine follow
@@ -73,6 +97,9 @@ std::vector<QPointF> Warp::warpedSteps(QPointF from, QPointF to, int n) const
     if (n <= 0)
         return points;
     points.reserve(static_cast<std::size_t>(n));
+    // Stepped at zoom 1, as operator() warps.
+    from /= m_zoom;
+    to /= m_zoom;
     const QPointF delta = to - from;
     const auto at = [&](int j) { return from + delta * (static_cast<double>(j) / n); };
 
@@ -102,7 +129,7 @@ std::vector<QPointF> Warp::warpedSteps(QPointF from, QPointF to, int n) const
 
     for (int j0 = 0; j0 < n; j0 += restartEvery) {
         const QPointF start = at(j0);
-        points.push_back((*this)(start));
+        points.push_back(atBase(start.x(), start.y()));
         restart(start, 0, inlandSines);
         std::size_t live = inlandSines; // the edge sines start where the line nears the coast
         const int j1 = std::min(j0 + restartEvery, n);
@@ -113,8 +140,8 @@ std::vector<QPointF> Warp::warpedSteps(QPointF from, QPointF to, int n) const
             const double dx0 = sine[0] + 0.45 * sine[1] + 0.15 * sine[2];
             const double dy0 = sine[3] + 0.45 * sine[4] + 0.15 * sine[5];
             if (k == 0.0) {
-                points.emplace_back(q.x() + m_amplitude * dx0 / 1.6,
-                                    q.y() + m_amplitude * dy0 / 1.6);
+                points.push_back(
+                    placed(q.x() + m_amplitude * dx0 / 1.6, q.y() + m_amplitude * dy0 / 1.6));
                 continue;
             }
             if (live == inlandSines) {
@@ -123,7 +150,8 @@ std::vector<QPointF> Warp::warpedSteps(QPointF from, QPointF to, int n) const
             }
             const double dx = dx0 + k * (0.9 * sine[6] + 0.35 * sine[7]);
             const double dy = dy0 + k * (0.9 * sine[8] + 0.35 * sine[9]);
-            points.emplace_back(q.x() + m_amplitude * dx / 1.6, q.y() + m_amplitude * dy / 1.6);
+            points.push_back(
+                placed(q.x() + m_amplitude * dx / 1.6, q.y() + m_amplitude * dy / 1.6));
         }
     }
     return points;

@@ -127,32 +127,46 @@ std::vector<QPointF> makeWaves(QSizeF size, const QRectF &land, SplitMix64 &rand
     return waves;
 }
 
-QRectF landOf(QSizeF size)
+// The island is shaped at zoom 1 and a zoomed world is that island magnified. Its sea margin
+// holds the coast's bulges (eased to at most `reach`) and, above them, the realm title.
+struct Shore
+{
+    QRectF land;
+    double amplitude = 0; // at zoom 1
+    double reach = 0;     // at zoom 1
+};
+
+Shore shoreOf(QSizeF size, double zoom)
 {
     const double w = size.width();
     const double h = size.height();
-    const double margin = std::max(0.05 * std::min(w, h), 28.0);
+    const double m = std::min(w, h) / zoom;
+    const double margin1 = std::max(0.09 * m, 46.0);
+    const double margin = margin1 * zoom;
     // A world narrower than two margins keeps an empty land in its middle rather than a
     // negative one.
     const double lw = std::max(w - 2 * margin, 0.0);
     const double lh = std::max(h - 2 * margin, 0.0);
-    return {std::min(margin, w / 2), std::min(margin, h / 2), lw, lh};
+    return {QRectF(std::min(margin, w / 2), std::min(margin, h / 2), lw, lh),
+            std::max(0.045 * m, 16.0), margin1 / 2 - 12};
 }
 
 } // namespace
 
 WorldLayout WorldLayout::build(const std::vector<Tile> &tiles, const std::string &key, QSizeF size,
                                const Explored &explored, const Bounties &bounties,
-                               const Title &title)
+                               const Title &title, double zoom)
 {
     WorldLayout layout;
     layout.size = size;
-    layout.land = landOf(size);
+    const Shore shore = shoreOf(size, std::max(zoom, 1.0));
+    layout.land = shore.land;
 
     const std::uint64_t seed = djb2(key);
-    const double phase = static_cast<double>(seed % 10000) / 97.0;
-    const double amplitude = std::max(0.045 * std::min(size.width(), size.height()), 16.0);
-    layout.warp = Warp(phase, amplitude, layout.land);
+    // One mixing step first: sibling folders ("t1", "t2") have nearly equal hashes and would
+    // otherwise get nearly the same coast.
+    const double phase = static_cast<double>(SplitMix64(seed).next() % 10000) / 97.0;
+    layout.warp = Warp(phase, shore.amplitude, layout.land, std::max(zoom, 1.0), shore.reach);
     SplitMix64 random(seed);
 
     std::vector<double> values;
@@ -183,6 +197,7 @@ WorldLayout WorldLayout::build(const std::vector<Tile> &tiles, const std::string
     KeyHash hash;
     hash.add(size.width());
     hash.add(size.height());
+    hash.add(zoom);
     hash.add(key);
     for (const Region &r : layout.regions) {
         hash.add(r.tile.id);

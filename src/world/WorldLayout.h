@@ -31,10 +31,12 @@ struct WorldLayout
     std::int64_t key = 0; // equal keys draw the same island (within one run)
     Warp warp;
 
-    // `key` is the current folder's path ("/" without one); it seeds every random draw.
+    // `key` is the current folder's path ("/" without one); it seeds every random draw. `size` is
+    // the view's size times `zoom`: the island of zoom 1, magnified.
     [[nodiscard]] static WorldLayout build(const std::vector<Tile> &tiles, const std::string &key,
                                            QSizeF size, const Explored &explored,
-                                           const Bounties &bounties, const Title &title);
+                                           const Bounties &bounties, const Title &title,
+                                           double zoom = 1);
 
     // The territory under a world point; the hint is tried first so that the hero keeps his
     // territory where outlines overlap.

@@ -131,22 +131,56 @@ private Q_SLOTS:
         QVERIFY(warp.warpedSteps(land.topLeft(), land.topRight(), 0).empty());
     }
 
+    // The margin holds the coast's bulges with the realm title above them; a zoomed world has the
+    // land and the warp of zoom 1, magnified.
     void landAndAmplitude_data()
     {
         QTest::addColumn<QSizeF>("size");
+        QTest::addColumn<double>("zoom");
         QTest::addColumn<QRectF>("land");
         QTest::addColumn<double>("amplitude");
-        QTest::newRow("800x600") << QSizeF(800, 600) << QRectF(30, 30, 740, 540) << 27.0;
-        QTest::newRow("400x300") << QSizeF(400, 300) << QRectF(28, 28, 344, 244) << 16.0;
+        QTest::newRow("800x600") << QSizeF(800, 600) << 1.0 << QRectF(54, 54, 692, 492) << 27.0;
+        QTest::newRow("400x300") << QSizeF(400, 300) << 1.0 << QRectF(46, 46, 308, 208) << 16.0;
+        QTest::newRow("800x600 at 2")
+            << QSizeF(1600, 1200) << 2.0 << QRectF(108, 108, 1384, 984) << 27.0;
     }
     void landAndAmplitude()
     {
         QFETCH(QSizeF, size);
-        const auto l = buildPlain({}, "/", size);
+        QFETCH(double, zoom);
+        const auto l = WorldLayout::build({}, "/", size, {}, {}, {}, zoom);
         QTEST(l.land, "land");
         QTEST(l.warp.amplitude(), "amplitude");
         QVERIFY(l.regions.empty() && l.rivers.empty());
         QVERIFY(l.coast.elementCount() > 0);
+    }
+
+    // Zooming magnifies the island of zoom 1 rather than folding a new one, and at every zoom
+    // the coast stays inside the world and below the realm title's band of sea.
+    void zoomingMagnifiesOneIslandInsideTheMap()
+    {
+        const QSizeF view(800, 600);
+        for (const std::string key : {"/", "/home/ada/t1", "/home/ada/t2", "/srv/x"}) {
+            const auto one = WorldLayout::build({}, key, view, {}, {}, {});
+            for (const double zoom : {1.0, 1.5, 2.0, 3.0, 4.0}) {
+                const auto l = WorldLayout::build({}, key, view * zoom, {}, {}, {}, zoom);
+                for (const QPointF p : {one.land.topLeft(), QPointF(333, 54), one.land.center(),
+                                        QPointF(746, 401.5)}) {
+                    const QPointF d = l.warp(p * zoom) - one.warp(p) * zoom;
+                    QVERIFY(std::abs(d.x()) < 1e-9 && std::abs(d.y()) < 1e-9);
+                }
+                const QRectF coast = l.coast.boundingRect();
+                const double titleBottom = l.land.top() * 0.5 + 12;
+                QVERIFY2(coast.top() > titleBottom && coast.left() > 0 &&
+                             coast.right() < l.size.width() && coast.bottom() < l.size.height(),
+                         key.c_str());
+            }
+        }
+        // Siblings whose names differ in one letter get unrelated coasts.
+        const auto phase = [](const char *key) {
+            return WorldLayout::build({}, key, {800, 600}, {}, {}, {}).warp.phase();
+        };
+        QVERIFY(std::abs(phase("/home/ada/t1") - phase("/home/ada/t2")) > 1);
     }
 
     // One folder filling a land of the given size: how many scenery draws and clouds it gets.
@@ -171,7 +205,7 @@ private Q_SLOTS:
         TreeBuilder::addFolder(root, "only", 1000);
         root->finish();
         const auto l =
-            buildPlain(makeTiles(root.get(), Metric::size, 40), "/r", landSize + QSizeF(56, 56));
+            buildPlain(makeTiles(root.get(), Metric::size, 40), "/r", landSize + QSizeF(92, 92));
         QCOMPARE(l.land.size(), landSize);
         const Region &r = l.regions.at(0);
         QCOMPARE(r.rect, l.land);
@@ -219,12 +253,12 @@ private Q_SLOTS:
         std::vector<Tile> tiles = {{"a", Tile::Other{1}, "a", 1.0},
                                    {"b", Tile::Other{1}, "b", 1.0}};
         const auto l = buildPlain(tiles, "/", QSizeF(800, 600));
-        QCOMPARE(l.regions[0].rect, QRectF(30, 30, 370, 540));
+        QCOMPARE(l.regions[0].rect, QRectF(54, 54, 346, 492));
         QCOMPARE(l.rivers.size(), std::size_t(1));
         const QPainterPath &river = l.rivers[0];
-        QCOMPARE(river.elementCount(), 540 / 4 + 1);
-        QCOMPARE(QPointF(river.elementAt(0)), l.warp(400, 570));
-        QCOMPARE(QPointF(river.elementAt(river.elementCount() - 1)), l.warp(400, 30));
+        QCOMPARE(river.elementCount(), 492 / 4 + 1);
+        QCOMPARE(QPointF(river.elementAt(0)), l.warp(400, 546));
+        QCOMPARE(QPointF(river.elementAt(river.elementCount() - 1)), l.warp(400, 54));
     }
 
     void namesAndFlags()

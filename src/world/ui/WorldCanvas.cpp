@@ -110,7 +110,8 @@ void WorldCanvas::setWorld(const WorldLayout &layout, const QString &title)
 bool WorldCanvas::sameGround(const WorldLayout &a, const WorldLayout &b)
 {
     if (a.size != b.size || a.land != b.land || a.warp.phase() != b.warp.phase() ||
-        a.regions.size() != b.regions.size() || a.waves != b.waves)
+        a.warp.zoom() != b.warp.zoom() || a.regions.size() != b.regions.size() ||
+        a.waves != b.waves)
         return false;
     for (std::size_t i = 0; i < a.regions.size(); ++i) {
         const Region &x = a.regions[i];

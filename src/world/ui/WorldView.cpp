@@ -135,7 +135,8 @@ void WorldView::rebuild()
             if (const NodePtr *folder = tile.folder(); folder && *folder)
                 return m_game.placeName((*folder)->path(), tile.name, tier);
             return display(tile.name);
-        });
+        },
+        scale);
     m_player->update(layout, view);
     m_scene->setWorld(layout, realmTitle());
     m_miniMap->setWorld(layout);
