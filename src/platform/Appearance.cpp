@@ -1,5 +1,8 @@
 #include "platform/Appearance.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace Appearance {
 
 bool isDark(const QPalette &palette)
@@ -10,6 +13,19 @@ bool isDark(const QPalette &palette)
 QColor ink(const QPalette &palette)
 {
     return palette.color(QPalette::WindowText);
+}
+
+double contrast(const QColor &a, const QColor &b)
+{
+    const auto luminance = [](const QColor &c) {
+        const auto linear = [](double v) {
+            return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(c.redF()) + 0.7152 * linear(c.greenF()) + 0.0722 * linear(c.blueF());
+    };
+    const double la = luminance(a);
+    const double lb = luminance(b);
+    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
 }
 
 QPalette palette(Scheme scheme)

@@ -19,5 +19,7 @@ enum class Scheme { light, dark };
 }
 // The interface's ink: the colour of ordinary text.
 [[nodiscard]] QColor ink(const QPalette &palette);
+// How readable one colour is on another: the WCAG contrast ratio, 1 to 21 (4.5 reads well).
+[[nodiscard]] double contrast(const QColor &a, const QColor &b);
 
 } // namespace Appearance

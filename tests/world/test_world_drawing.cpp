@@ -10,6 +10,7 @@
 #include "world/ui/MonsterGlyph.h"
 #include "world/ui/MonsterSprite.h"
 #include "world/ui/WorldCanvas.h"
+#include "world/ui/WorldPalette.h"
 #include "world/ui/WorldScene.h"
 
 #include <QAccessible>
@@ -198,6 +199,40 @@ private Q_SLOTS:
         const QImage both = render(QStringLiteral("Mm"), QStringLiteral("42 GB"));
         QTEST(bare != titled, "title");
         QTEST(titled != both, "subtitle");
+    }
+
+    // A long name ends within its own territory; under fog every label still reads at 4.5:1.
+    void labelsStayInTheirTerritoryAndReadableUnderFog()
+    {
+        const QRectF rect(100, 60, 100, 80);
+        const auto render = [&](const QString &title) {
+            WorldCanvas canvas;
+            canvas.setWorld(oneTerritory(rect, title, QStringLiteral("a very long subtitle too")),
+                            QStringLiteral("Realm"));
+            return renderCanvas(canvas, Appearance::Scheme::light);
+        };
+        const QImage bare = render({});
+        const QImage titled = render(QStringLiteral("The Exceedingly Long Realm of Everything"));
+        QVERIFY(bare != titled);
+        for (int y = 0; y < bare.height(); ++y) {
+            for (int x = 0; x < bare.width(); ++x) {
+                if (x < rect.left() - 4 || x > rect.right() + 4)
+                    QVERIFY2(bare.pixel(x, y) == titled.pixel(x, y),
+                             qPrintable(QStringLiteral("%1,%2").arg(x).arg(y)));
+            }
+        }
+
+        QCOMPARE(std::lround(Appearance::contrast(Qt::white, Qt::black)), 21);
+        for (const bool dark : {false, true}) {
+            const WorldPalette colors = WorldPalette::of(dark, dark ? Qt::white : Qt::black);
+            for (const std::optional<Tier> tier :
+                 {std::optional<Tier>(), std::optional(Tier::microbe), std::optional(Tier::ogre),
+                  std::optional(Tier::titan)}) {
+                const QColor text = colors.label(tier, false).text;
+                QVERIFY(Appearance::contrast(text, colors.ground(tier, false)) >= 4.5);
+                QVERIFY(Appearance::contrast(text, colors.label(tier, false).halo) >= 4.5);
+            }
+        }
     }
 
     void unchangedIslandIsNotRedrawn()

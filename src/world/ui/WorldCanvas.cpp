@@ -350,7 +350,8 @@ void WorldCanvas::paintLabels(QPainter &painter, const WorldPalette &colors, con
 {
     const QFont titleFont = MapFonts::serif(13, QFont::DemiBold);
     const QFont subtitleFont = MapFonts::system(10);
-    const QColor shadow = withAlpha(colors.labelShadow, 0.4);
+    const QFontMetricsF titleMetrics(titleFont);
+    const QFontMetricsF subtitleMetrics(subtitleFont);
     for (const Region &r : m_layout.regions) {
         if (!r.hasLabel())
             continue;
@@ -358,14 +359,19 @@ void WorldCanvas::paintLabels(QPainter &painter, const WorldPalette &colors, con
         const QRectF titleBox(at.x() - labelHalfWidth, at.y() - 20, 2 * labelHalfWidth, 40);
         if (!near(titleBox, area, 0))
             continue;
-        const QColor color = colors.label(r.tier);
-        Glow::drawText(painter, titleBox, Qt::AlignCenter, r.title, titleFont, color, shadow, 2);
+        // Long names end in "…" within their own territory rather than run over the next one.
+        const double width = std::min(r.rect.width() - 8, 2 * labelHalfWidth);
+        const WorldPalette::Label label = colors.label(r.tier, r.explored);
+        Glow::drawText(painter, titleBox, Qt::AlignCenter,
+                       titleMetrics.elidedText(r.title, Qt::ElideRight, width), titleFont,
+                       label.text, label.halo, 2);
         if (r.rect.height() > 76 && !r.subtitle.isEmpty()) {
             painter.save();
             painter.setOpacity(0.9);
             painter.setFont(subtitleFont);
-            painter.setPen(color);
-            painter.drawText(titleBox.translated(0, 15), Qt::AlignCenter, r.subtitle);
+            painter.setPen(label.text);
+            painter.drawText(titleBox.translated(0, 15), Qt::AlignCenter,
+                             subtitleMetrics.elidedText(r.subtitle, Qt::ElideRight, width));
             painter.restore();
         }
     }

@@ -54,7 +54,26 @@ QColor WorldPalette::land(std::optional<Tier> tier) const
     return tier ? Tiers::landColor(*tier).resolve(dark) : plainLand;
 }
 
-QColor WorldPalette::label(std::optional<Tier> tier) const
+QColor WorldPalette::ground(std::optional<Tier> tier, bool explored) const
 {
-    return tier ? Tiers::labelColor(*tier).resolve(dark) : ink;
+    const QColor base = land(tier);
+    if (explored)
+        return base;
+    const double a = fog.alphaF();
+    const auto over = [a](double top, double under) { return a * top + (1 - a) * under; };
+    return QColor::fromRgbF(float(over(fog.redF(), base.redF())),
+                            float(over(fog.greenF(), base.greenF())),
+                            float(over(fog.blueF(), base.blueF())));
+}
+
+WorldPalette::Label WorldPalette::label(std::optional<Tier> tier, bool explored) const
+{
+    if (explored)
+        return {tier ? Tiers::labelColor(*tier).resolve(dark) : ink, withAlpha(labelShadow, 0.4)};
+    const QColor nearBlack = rgb(0x0B0B0B);
+    const QColor white = Qt::white;
+    const QColor under = ground(tier, false);
+    if (Appearance::contrast(nearBlack, under) > Appearance::contrast(white, under))
+        return {nearBlack, withAlpha(white, 0.7)};
+    return {white, withAlpha(nearBlack, 0.7)};
 }
