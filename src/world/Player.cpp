@@ -63,11 +63,22 @@ std::optional<Region> Player::currentRegion() const
 
 QPointF Player::cameraOffset() const
 {
+    return cameraOffsetFor(heroPoint());
+}
+
+QPointF Player::cameraOffsetFor(QPointF hero) const
+{
     if (!m_layout)
         return {0, 0};
-    const QPointF hero = heroPoint();
     return {axisOffset(m_viewSize.width(), m_layout->size.width(), hero.x()),
             axisOffset(m_viewSize.height(), m_layout->size.height(), hero.y())};
+}
+
+bool Player::covered(QPointF hero) const
+{
+    const QPointF onView = hero + cameraOffsetFor(hero);
+    return std::any_of(m_covered.begin(), m_covered.end(),
+                       [onView](const QRectF &r) { return r.contains(onView); });
 }
 
 void Player::update(const WorldLayout &layout, QSizeF viewSize)
@@ -183,6 +194,24 @@ void Player::tick()
     }
     next.setX(std::min(std::max(next.x(), land.left() + edgeInset), land.right() - edgeInset));
     next.setY(std::min(std::max(next.y(), land.top() + edgeInset), land.bottom() - edgeInset));
+    // Slide along a control's edge rather than walk under it; one already under may walk out.
+    if (covered(next) && !covered(hero)) {
+        if (!covered(QPointF(next.x(), hero.y())))
+            next.setY(hero.y());
+        else if (!covered(QPointF(hero.x(), next.y())))
+            next.setX(hero.x());
+        else
+            next = hero;
+        // A slide that barely moves is a walk straight into the control.
+        if (std::hypot(next.x() - hero.x(), next.y() - hero.y()) < 0.25 * step)
+            next = hero;
+    }
+    if (next == hero) {
+        // Against a control: a walk to a point under it ends here; held keys keep pressing.
+        m_target.reset();
+        setMoving(false);
+        return;
+    }
     const double fy = land.height() > 0 ? (next.y() - land.top()) / land.height() : m_pos.y();
     setPos({(next.x() - land.left()) / land.width(), fy});
 

@@ -58,6 +58,8 @@ public:
     [[nodiscard]] std::optional<Region> currentRegion() const;
     [[nodiscard]] QPointF cameraOffset() const;
     [[nodiscard]] QPointF toWorld(QPointF viewPoint) const { return viewPoint - cameraOffset(); }
+    // View areas that the map's controls cover: walking never takes the hero under them.
+    void setCoveredAreas(std::vector<QRectF> viewAreas) { m_covered = std::move(viewAreas); }
 
     // Stores both; the region is refreshed once the event loop runs again, after the view update.
     void update(const WorldLayout &layout, QSizeF viewSize);
@@ -89,6 +91,8 @@ private:
     void setPos(QPointF pos);
     void setMoving(bool moving);
     void setNearMonster(bool isNear);
+    [[nodiscard]] QPointF cameraOffsetFor(QPointF hero) const;
+    [[nodiscard]] bool covered(QPointF hero) const;
 
     std::shared_ptr<Clock> m_clock;
     QTimer m_timer;
@@ -110,6 +114,7 @@ private:
     QHash<QString, double> m_pressedAt;
     bool m_sprint = false;
     std::optional<QPointF> m_target;
+    std::vector<QRectF> m_covered;
     double m_lastTick = 0;
     double m_lastStep;
 };

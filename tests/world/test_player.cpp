@@ -140,6 +140,24 @@ private Q_SLOTS:
         QVERIFY(!player->ticking());
     }
 
+    // The map's controls cover corners of the view: the hero slides along them, never under.
+    void controlsAreWalkedAround()
+    {
+        place(world({}, {800, 600}), {600, 450}); // land (100, 100, 600, 400), no camera offset
+        player->setCoveredAreas({QRectF(650, 400, 200, 200)});
+        player->key(QStringLiteral("right"), true, false);
+        player->key(QStringLiteral("down"), true, false);
+        run(2.0);
+        QVERIFY(player->heroPoint().x() < 650 && player->heroPoint().x() > 640);
+        QCOMPARE(player->heroPoint().y(), 494.0);
+        player->releaseAll();
+        place(world({}, {800, 600}), {600, 300});
+        player->walk({680, 450});
+        run(2.0);
+        QVERIFY(!player->target() && !player->moving());
+        QVERIFY(player->heroPoint().x() <= 650 || player->heroPoint().y() <= 400);
+    }
+
     void monsterReach_data()
     {
         QTest::addColumn<QSizeF>("size");

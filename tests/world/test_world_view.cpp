@@ -81,6 +81,16 @@ class TestWorldView : public QObject
         }
     }
 
+    [[nodiscard]] std::optional<int> regionOf(const Region &r) const
+    {
+        const auto &regions = player().layout()->regions;
+        for (std::size_t i = 0; i < regions.size(); ++i) {
+            if (regions[i].tile.id == r.tile.id)
+                return int(i);
+        }
+        return std::nullopt;
+    }
+
     // A point of the territory at least `away` from its monster.
     [[nodiscard]] QPointF farFromMonster(const Region &r, double away) const
     {
@@ -483,6 +493,24 @@ private Q_SLOTS:
         stand(QPointF(2, 2));
         QVERIFY(prompt->isHidden());
         QCOMPARE(m_view->scene()->accessibleName(), QStringLiteral("Sweeper, standing in the sea"));
+
+        // On the monster's own spot the panel opens below it; at the coast it stays in view.
+        const Region games = region("games");
+        stand(games.capital);
+        const double half = games.monsterSize() / 2;
+        QVERIFY(!m_view->scene()->hero().promptBox().intersects(
+            QRectF(games.capital - QPointF(half, half), QSizeF(2 * half, 2 * half))));
+        const auto &regions = player().layout()->regions;
+        const Region &east =
+            *std::max_element(regions.begin(), regions.end(),
+                              [](auto &a, auto &b) { return a.rect.right() < b.rect.right(); });
+        QPointF coast = east.capital;
+        for (QPointF p = coast; player().layout()->regionIndex(p, {}) == regionOf(east);
+             p.rx() += 4)
+            coast = p;
+        stand(coast);
+        QVERIFY(!prompt->isHidden());
+        QVERIFY(m_view->scene()->rect().contains(prompt->geometry()));
 
         // The panel's buttons act like their keys.
         stand(region("games").capital);

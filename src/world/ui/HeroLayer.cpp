@@ -3,6 +3,7 @@
 #include "game/Game.h"
 #include "session/Model.h"
 #include "world/Player.h"
+#include "world/Region.h"
 #include "world/ui/HeroPrompt.h"
 #include "world/ui/MapFonts.h"
 #include "world/ui/Stamps.h"
@@ -12,7 +13,9 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QWidget>
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -49,6 +52,7 @@ HeroLayer::HeroLayer(Player &player, Model &model, Game &game, bool reduceMotion
     connect(&m_player, &Player::regionIndexChanged, this, &HeroLayer::refreshChoices);
     connect(&m_player, &Player::nearMonsterChanged, this, &HeroLayer::refreshChoices);
     connect(&m_model, &Model::changed, this, &HeroLayer::refreshChoices);
+    connect(&m_model, &Model::dyingChanged, this, &HeroLayer::refreshChoices);
     connect(&m_game, &Game::heroChanged, this, &HeroLayer::changed);
     refreshChoices();
 }
@@ -67,7 +71,9 @@ void HeroLayer::refreshChoices()
     const NodePtr *folder = region ? region->tile.folder() : nullptr;
     const bool enter = folder && *folder && !(*folder)->children().empty();
     const bool rename = region && region->path.has_value();
-    m_prompt->setChoices(enter, m_player.nearMonster(), rename);
+    // While a monster dies there is nothing to choose, and its reward rises where the panel was.
+    const bool open = !m_model.dying();
+    m_prompt->setChoices(open && enter, open && m_player.nearMonster(), open && rename);
     // The panel changed size, and the message moves up or down with it.
     Q_EMIT changed();
 }
@@ -104,14 +110,69 @@ bool HeroLayer::animating(double now) const
     return m_leaving && now - m_leaving->since < leaveSeconds;
 }
 
+QRectF HeroLayer::visibleWorld() const
+{
+    return QRectF(-m_player.cameraOffset(), m_player.viewSize());
+}
+
+std::optional<QRectF> HeroLayer::monsterBox() const
+{
+    const std::optional<Region> region = m_player.currentRegion();
+    if (!region || !region->hasMonster())
+        return std::nullopt;
+    const double half = region->monsterSize() / 2;
+    return QRectF(region->capital - QPointF(half, half), QSizeF(2 * half, 2 * half));
+}
+
+// Above the hero unless that runs off the top of the view or covers his territory's monster.
+bool HeroLayer::below() const
+{
+    const QPointF hero = m_player.heroPoint();
+    const double reach = floaterHigh + 16;
+    const QRectF above(hero.x() - 60, hero.y() - reach, 120, reach - glyphSize / 2);
+    if (above.top() < visibleWorld().top())
+        return true;
+    const std::optional<QRectF> monster = monsterBox();
+    return monster && above.intersects(*monster);
+}
+
+double HeroLayer::belowTop() const
+{
+    const std::optional<QRectF> monster = monsterBox();
+    return std::max(m_player.heroPoint().y() + panelGap - 2,
+                    monster ? monster->bottom() + 4 : -std::numeric_limits<double>::infinity());
+}
+
+// `box` moved the least that puts it inside the visible part of the world.
+QRectF HeroLayer::insideView(QRectF box) const
+{
+    const QRectF view = visibleWorld().adjusted(4, 4, -4, -4);
+    box.moveLeft(
+        std::clamp(box.left(), view.left(), std::max(view.left(), view.right() - box.width())));
+    box.moveTop(
+        std::clamp(box.top(), view.top(), std::max(view.top(), view.bottom() - box.height())));
+    return box;
+}
+
+QRectF HeroLayer::panelBox() const
+{
+    const QPointF hero = m_player.heroPoint();
+    const QSizeF size = m_prompt->sizeHint();
+    const double top = below() ? belowTop() : hero.y() - panelGap - size.height();
+    return insideView(QRectF(QPointF(hero.x() - size.width() / 2, top), size));
+}
+
 QRectF HeroLayer::floaterBox(const QString &text) const
 {
     const QPointF hero = m_player.heroPoint();
     const QFontMetricsF metrics(floaterFont());
     const double w = metrics.horizontalAdvance(text) + 2 * padding + 4;
     const double h = metrics.height() + 2 * padding;
-    const double lift = m_prompt->hasChoices() ? floaterHigh : floaterLow;
-    return QRectF(hero.x() - w / 2, hero.y() - lift - h / 2, w, h);
+    const bool panel = m_prompt->hasChoices();
+    double top = hero.y() - (panel ? floaterHigh : floaterLow) - h / 2;
+    if (below())
+        top = panel ? panelBox().bottom() + 4 : belowTop();
+    return insideView(QRectF(hero.x() - w / 2, top, w, h));
 }
 
 QRectF HeroLayer::bounds(double now) const
@@ -184,11 +245,9 @@ void HeroLayer::place(QPointF cameraOffset)
 {
     if (!m_prompt->hasChoices())
         return;
-    const QPointF hero = m_player.heroPoint() + cameraOffset;
-    const QSize size = m_prompt->sizeHint();
-    m_prompt->setGeometry(int(std::lround(hero.x() - size.width() / 2.0)),
-                          int(std::lround(hero.y() - panelGap - size.height())), size.width(),
-                          size.height());
+    const QRectF box = panelBox().translated(cameraOffset);
+    m_prompt->setGeometry(QRect(QPoint(int(std::lround(box.left())), int(std::lround(box.top()))),
+                                box.size().toSize()));
 }
 
 QString HeroLayer::accessibleLabel() const

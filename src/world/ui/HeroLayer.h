@@ -38,6 +38,8 @@ public:
     [[nodiscard]] bool animating(double now) const;
     // Puts the panel beside the hero, for a world drawn at `cameraOffset` in the host.
     void place(QPointF cameraOffset);
+    // The panel's place in world coordinates, shown or not.
+    [[nodiscard]] QRectF promptBox() const { return panelBox(); }
 
     [[nodiscard]] HeroPrompt *prompt() const { return m_prompt; }
     // The hero's name, ", standing in " and his territory's title, or "the sea".
@@ -57,6 +59,14 @@ private:
     void floaterChanged();
     void refreshChoices();
     [[nodiscard]] double bob(double now) const;
+    // Where the panel and the message go, in world coordinates: inside the view, above the hero
+    // or, where that is off the view or over his territory's monster, below them both.
+    [[nodiscard]] QRectF visibleWorld() const;
+    [[nodiscard]] std::optional<QRectF> monsterBox() const;
+    [[nodiscard]] bool below() const;
+    [[nodiscard]] double belowTop() const;
+    [[nodiscard]] QRectF insideView(QRectF box) const;
+    [[nodiscard]] QRectF panelBox() const;
     [[nodiscard]] QRectF floaterBox(const QString &text) const;
     void paintFloater(QPainter &painter, const Shown &shown, double progress, bool entering) const;
 

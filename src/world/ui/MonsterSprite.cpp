@@ -134,7 +134,16 @@ void MonsterSprite::paintDeath(QPainter &painter, Stamps &stamps, double elapsed
         stamps.drawEmoji(painter, QStringLiteral("💥"), QPointF(0, 0), 1.6 * s);
     }
     painter.restore();
+}
 
+void MonsterSprite::paintReward(QPainter &painter, double now) const
+{
+    if (!m_death)
+        return;
+    const double elapsed = now - m_death->start;
+    if (elapsed < 0 || elapsed >= deathSeconds)
+        return;
+    const QPointF c = m_region.capital;
     const double v = xpRise * cubicInOut(elapsed / xpSeconds);
     painter.save();
     painter.setOpacity(std::max(0.0, 1 - v / xpRise));

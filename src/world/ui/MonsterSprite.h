@@ -43,6 +43,8 @@ public:
     [[nodiscard]] double breathScale(double now, bool reduceMotion) const;
 
     void paint(QPainter &painter, Stamps &stamps, double now, bool reduceMotion) const;
+    // The rising "+N XP" of a death, painted over the hero so nothing hides it.
+    void paintReward(QPainter &painter, double now) const;
 
 private:
     void paintDeath(QPainter &painter, Stamps &stamps, double elapsed) const;

@@ -190,6 +190,8 @@ void WorldScene::paintFrame(QPainter &painter, const QRectF &viewRect)
     m_lastHighlight = RegionHighlight::bounds(m_player);
     m_hero->paint(painter, m_stamps, now);
     m_lastHero = m_hero->bounds(now);
+    for (const MonsterSprite &s : m_sprites)
+        s.paintReward(painter, now);
     if (!m_player.effects().empty())
         SpellFXLayer::paint(painter, m_player, now, palette());
     painter.restore();

@@ -11,6 +11,7 @@
 #include "session/Model.h"
 #include "world/Player.h"
 #include "world/SteadyClock.h"
+#include "world/ui/HeroLayer.h"
 #include "world/ui/MapControls.h"
 #include "world/ui/MiniMap.h"
 #include "world/ui/RenameDialog.h"
@@ -444,6 +445,13 @@ void WorldView::placeOverlays()
     const QSize bar = m_spellBar->sizeHint();
     m_spellBar->setGeometry((width() - bar.width()) / 2, height() - padding - bar.height(),
                             bar.width(), bar.height());
+    // The hero keeps out from under the controls, by the half of his glyph.
+    const int half = int(HeroLayer::glyphSize / 2) + 1;
+    std::vector<QRectF> covered;
+    for (const QWidget *w : {static_cast<QWidget *>(m_miniMap), static_cast<QWidget *>(m_controls),
+                             static_cast<QWidget *>(m_spellBar)})
+        covered.emplace_back(QRectF(w->geometry()).adjusted(-half, -half, half, half));
+    m_player->setCoveredAreas(std::move(covered));
     m_ambient->lower();
     m_scene->lower();
 }
