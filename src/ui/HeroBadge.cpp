@@ -23,6 +23,14 @@ double pulseScale(double t)
     return 1.45 - 0.45 * back.value(t - 0.18);
 }
 
+QFont pillFont(QFont font)
+{
+    font.setPixelSize(9);
+    font.setWeight(QFont::Black);
+    font.setStyleHint(QFont::Monospace);
+    return font;
+}
+
 } // namespace
 
 HeroBadge::HeroBadge(Game &game, bool reduceMotion, QWidget *parent)
@@ -48,14 +56,34 @@ HeroBadge::HeroBadge(Game &game, bool reduceMotion, QWidget *parent)
     refresh();
 }
 
+QFont HeroBadge::captionFont() const
+{
+    QFont small = Emoji::mixedFont(font());
+    small.setPointSizeF(font().pointSizeF() * 0.85);
+    return small;
+}
+
+QPointF HeroBadge::ringCentre() const
+{
+    return {ring / 2 + 2, ring / 2 + 2};
+}
+
+QRectF HeroBadge::levelPill() const
+{
+    // It sits on the ring's lower edge, half below it.
+    const QFontMetricsF fm(pillFont(font()));
+    const double w = fm.horizontalAdvance(QString::number(m_game.level())) + 8;
+    const double h = fm.height() + 2;
+    return QRectF(ringCentre() + QPointF(-w / 2, ring / 2 - h / 2 - 2), QSizeF(w, h));
+}
+
 QSize HeroBadge::sizeHint() const
 {
-    const QFontMetrics name(font());
-    QFont small = font();
-    small.setPointSizeF(font().pointSizeF() * 0.85);
-    const int text = std::max(name.horizontalAdvance(m_game.heroName()),
-                              QFontMetrics(small).horizontalAdvance(caption()));
-    return {int(ring) + 8 + text + 6, int(ring) + 4};
+    QFont headline = font();
+    headline.setBold(true);
+    const double text = std::max(QFontMetricsF(headline).horizontalAdvance(m_game.heroName()),
+                                 QFontMetricsF(captionFont()).horizontalAdvance(caption()));
+    return {int(std::ceil(ring + 10 + text + 6)), int(std::ceil(levelPill().bottom() + 1))};
 }
 
 QString HeroBadge::caption() const
@@ -98,7 +126,7 @@ void HeroBadge::paintEvent(QPaintEvent *)
     const QColor dragon = Appearance::resolve(Tiers::landColor(Tier::dragon), palette());
     const QColor dragonLabel = Appearance::resolve(Tiers::labelColor(Tier::dragon), palette());
 
-    const QPointF centre(ring / 2 + 2, height() / 2.0);
+    const QPointF centre = ringCentre();
     const double scale = m_pulse.state() == QAbstractAnimation::Running
                              ? pulseScale(m_pulse.currentValue().toDouble())
                              : 1.0;
@@ -117,37 +145,27 @@ void HeroBadge::paintEvent(QPaintEvent *)
     }
     Emoji::drawCentered(p, m_game.hero(), QPointF(0, 0), 20);
 
-    // The level pill sits on the ring's lower edge.
-    QFont pillFont = font();
-    pillFont.setPixelSize(9);
-    pillFont.setWeight(QFont::Black);
-    pillFont.setStyleHint(QFont::Monospace);
-    const QString level = QString::number(m_game.level());
-    const QFontMetricsF fm(pillFont);
-    const QRectF pill(-fm.horizontalAdvance(level) / 2 - 4, ring / 2 - fm.height() / 2 - 2,
-                      fm.horizontalAdvance(level) + 8, fm.height() + 2);
+    const QRectF pill = levelPill().translated(-centre);
     p.setPen(Qt::NoPen);
     p.setBrush(dragon);
     p.drawRoundedRect(pill, pill.height() / 2, pill.height() / 2);
     p.setPen(dragonLabel);
-    p.setFont(pillFont);
-    p.drawText(pill, Qt::AlignCenter, level);
+    p.setFont(pillFont(font()));
+    p.drawText(pill, Qt::AlignCenter, QString::number(m_game.level()));
     p.restore();
 
     const qreal textX = ring + 10;
     QFont headline = font();
     headline.setBold(true);
-    QFont small = Emoji::mixedFont(font());
-    small.setPointSizeF(font().pointSizeF() * 0.85);
     QColor secondary = inkColor;
     secondary.setAlphaF(0.6);
     p.setFont(headline);
     p.setPen(inkColor);
-    p.drawText(QRectF(textX, 0, width() - textX, height() / 2.0), Qt::AlignLeft | Qt::AlignBottom,
+    p.drawText(QRectF(textX, 0, width() - textX, centre.y()), Qt::AlignLeft | Qt::AlignBottom,
                m_game.heroName());
-    p.setFont(small);
+    p.setFont(captionFont());
     p.setPen(secondary);
-    p.drawText(QRectF(textX, height() / 2.0 + 1, width() - textX, height() / 2.0),
+    p.drawText(QRectF(textX, centre.y() + 1, width() - textX, height() - centre.y() - 1),
                Qt::AlignLeft | Qt::AlignTop, caption());
     if (hasFocus()) {
         p.setPen(QPen(palette().color(QPalette::Highlight), 1.5));

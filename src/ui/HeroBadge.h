@@ -18,6 +18,8 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] double shownProgress() const { return m_progress.currentValue().toDouble(); }
     [[nodiscard]] QString ringAccessibleText() const;
+    // The level pill on the ring, in the badge's coordinates: inside it at every level.
+    [[nodiscard]] QRectF levelPill() const;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -25,6 +27,8 @@ protected:
 private:
     void refresh();
     [[nodiscard]] QString caption() const;
+    [[nodiscard]] QFont captionFont() const;
+    [[nodiscard]] QPointF ringCentre() const;
 
     Game &m_game;
     bool m_reduceMotion;

@@ -109,6 +109,8 @@ private Q_SLOTS:
         QVERIFY(!m_model->scanning());
         QVERIFY(qobject_cast<WelcomeView *>(m_window->content()->mainArea()));
         QVERIFY(bar().heroBadge()->isVisible());
+        m_game->gainXP(50 * 120 * 120); // level 121: a three-digit pill still fits the badge
+        QVERIFY(QRectF(bar().heroBadge()->rect()).contains(bar().heroBadge()->levelPill()));
         QVERIFY(bar().folderButton()->isVisible());
         QVERIFY(bar().volumeButton()->isVisible());
         QVERIFY(!bar().rescanButton()->isVisible());
@@ -259,6 +261,7 @@ private Q_SLOTS:
         QVERIFY(alert && alert->isVisible());
         QCOMPARE(alert->text(), QStringLiteral("Couldn't slay that one"));
         QCOMPARE(alert->informativeText(), QStringLiteral("Something refused."));
+        QVERIFY(alert->width() >= 440); // a sentence reads on wide lines, not in a column
         alert->button(QMessageBox::Ok)->click();
         QTRY_VERIFY(!m_model->error());
     }

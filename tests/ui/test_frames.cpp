@@ -10,6 +10,7 @@
 #include "ui/screens/WelcomeView.h"
 
 #include <QFileDialog>
+#include <QLabel>
 #include <QPushButton>
 #include <QTimer>
 
@@ -132,6 +133,12 @@ private Q_SLOTS:
         const QRect card = view.card()->geometry();
         QCOMPARE(card.bottom() + 1, 500 - ScanningView::cardBottom);
         QVERIFY(std::abs(card.center().x() - 350) <= 1);
+
+        // A longer text widens the card at once: nothing is cut off.
+        m_s->model->setScanPath("/tmp/a folder with a rather long name indeed");
+        QCoreApplication::sendPostedEvents();
+        for (const QLabel *label : view.card()->findChildren<QLabel *>())
+            QVERIFY(label->width() >= label->sizeHint().width());
     }
 
     void confettiFollowsItsFormula()

@@ -206,6 +206,9 @@ void ScanningView::paintEvent(QPaintEvent *)
 
 void ScanningView::placeCard()
 {
+    // A label's new text invalidates only the card's outer layout; activating it refreshes the
+    // nested column too, which would otherwise size the card by the old, shorter text.
+    m_card->layout()->activate();
     const QSize hint = m_card->sizeHint();
     const int w = std::min(hint.width(), width() - 24);
     m_card->setGeometry((width() - w) / 2, height() - cardBottom - hint.height(), w, hint.height());
