@@ -6,8 +6,8 @@
 #include "platform/Icons.h"
 #include "scan/Fmt.h"
 #include "session/Model.h"
+#include "ui/TabularLabel.h"
 
-#include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QScrollBar>
@@ -92,9 +92,8 @@ void Breadcrumbs::rebuild()
         });
         add(crumb);
     }
-    m_size = new QLabel(QStringLiteral("· ") + Fmt::bytes(current->size()), m_content);
-    QFont numbers = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    m_size->setFont(numbers);
+    m_size = new TabularLabel(m_content);
+    m_size->setText(QStringLiteral("· ") + Fmt::bytes(current->size()));
     QPalette pal = m_size->palette();
     pal.setColor(QPalette::WindowText, secondary);
     m_size->setPalette(pal);

@@ -7,6 +7,7 @@ class Model;
 class QHBoxLayout;
 class QLabel;
 class QToolButton;
+class TabularLabel;
 
 // The trail from the scan root to the current folder; the deepest folder stays in view.
 class Breadcrumbs : public QScrollArea
@@ -17,7 +18,7 @@ public:
     Breadcrumbs(Model &model, Game &game, QWidget *parent = nullptr);
 
     [[nodiscard]] QList<QToolButton *> crumbs() const;
-    [[nodiscard]] QLabel *sizeLabel() const { return m_size; }
+    [[nodiscard]] TabularLabel *sizeLabel() const { return m_size; }
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
@@ -32,5 +33,5 @@ private:
     Game &m_game;
     QWidget *m_content;
     QHBoxLayout *m_row;
-    QLabel *m_size = nullptr;
+    TabularLabel *m_size = nullptr;
 };

@@ -6,16 +6,17 @@
 #include "platform/Spring.h"
 #include "scan/Fmt.h"
 #include "session/Model.h"
+#include "ui/TabularLabel.h"
+#include "ui/screens/TextStyle.h"
 
 #include <QEvent>
-#include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QToolButton>
 
 LootChips::LootChips(Model &model, Game &game, bool reduceMotion, QWidget *parent)
     : QWidget(parent), m_game(game), m_reduceMotion(reduceMotion), m_icon(new QLabel(this)),
-      m_reclaimed(new QLabel(this)), m_trash(new QToolButton(this))
+      m_reclaimed(new TabularLabel(this)), m_trash(new QToolButton(this))
 {
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -28,17 +29,13 @@ LootChips::LootChips(Model &model, Game &game, bool reduceMotion, QWidget *paren
     chipLayout->addWidget(m_icon);
     chipLayout->addWidget(m_reclaimed);
     chip->setToolTip(QStringLiteral("Everything you've slain so far"));
-    QFont numbers = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    numbers.setBold(true);
-    m_reclaimed->setFont(numbers);
+    m_reclaimed->setFont(TextStyle::weighted(TextStyle::callout(), QFont::DemiBold));
     layout->addWidget(chip);
 
     m_trash->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_trash->setToolTip(QStringLiteral("Slain items wait in the Trash and still use space. Empty "
                                        "the Trash in Finder to free it."));
-    QFont caption = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    caption.setPointSizeF(caption.pointSizeF() * 0.9);
-    m_trash->setFont(caption);
+    m_trash->setFont(TextStyle::caption());
     connect(m_trash, &QToolButton::clicked, &model, &Model::openTrash);
     layout->addWidget(m_trash);
 

@@ -7,6 +7,7 @@
 class Game;
 class Model;
 class QLabel;
+class TabularLabel;
 class QToolButton;
 
 // What the player has slain so far, and what still waits in the Trash.
@@ -18,7 +19,7 @@ public:
     LootChips(Model &model, Game &game, bool reduceMotion, QWidget *parent = nullptr);
 
     [[nodiscard]] QToolButton *trashChip() const { return m_trash; }
-    [[nodiscard]] QLabel *reclaimedLabel() const { return m_reclaimed; }
+    [[nodiscard]] TabularLabel *reclaimedLabel() const { return m_reclaimed; }
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -31,7 +32,7 @@ private:
     Game &m_game;
     bool m_reduceMotion;
     QLabel *m_icon;
-    QLabel *m_reclaimed;
+    TabularLabel *m_reclaimed;
     QToolButton *m_trash;
     SpringAnimation m_count;
 };

@@ -11,6 +11,7 @@
 #include "ui/MainWindow.h"
 #include "ui/SegmentedControl.h"
 #include "ui/SlayPrompt.h"
+#include "ui/TabularLabel.h"
 #include "ui/TopBar.h"
 #include "ui/VolumeButton.h"
 #include "ui/screens/BountyView.h"

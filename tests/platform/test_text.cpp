@@ -1,5 +1,6 @@
 #include "platform/DisplayName.h"
 #include "platform/Paths.h"
+#include "platform/TabularDigits.h"
 #include "platform/Utf8.h"
 #include "support/TestSandbox.h"
 
@@ -96,6 +97,24 @@ private Q_SLOTS:
         QCOMPARE(DisplayName::of(name.toStdString()), shown);
         if (Utf8::isValid(name.toStdString()))
             QCOMPARE(DisplayName::of(QString::fromUtf8(name)), shown);
+    }
+
+    // In a font whose "1" is narrow, every digit still takes the widest digit's cell.
+    void tabularDigitsTakeEqualCells()
+    {
+        const auto advance = [](const QString &s) {
+            double w = 0;
+            for (const QChar c : s)
+                w += c == u'1' ? 2 : c == u' ' ? 3 : 6;
+            return w;
+        };
+        const TabularDigits::Layout ones = TabularDigits::layout(QStringLiteral("11 MB"), advance);
+        QCOMPARE(ones.width, TabularDigits::layout(QStringLiteral("88 MB"), advance).width);
+        QCOMPARE(ones.width, 6 + 6 + 3 + 6 + 6);
+        QCOMPARE(ones.pieces.size(), 3u);
+        QCOMPARE(ones.pieces[1].x, 6 + 2.0); // centred in its cell
+        QCOMPARE(ones.pieces[2].text, QStringLiteral(" MB"));
+        QCOMPARE(ones.pieces[2].x, 12.0);
     }
 };
 

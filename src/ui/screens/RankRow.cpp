@@ -4,6 +4,7 @@
 #include "platform/DisplayName.h"
 #include "platform/Emoji.h"
 #include "platform/Spring.h"
+#include "platform/TabularDigits.h"
 #include "session/Model.h"
 #include "ui/screens/Meter.h"
 #include "ui/screens/TextStyle.h"
@@ -220,7 +221,7 @@ void RankRow::paintEvent(QPaintEvent *)
     } else {
         p.setFont(TextStyle::callout());
         p.setPen(TextStyle::secondary(pal));
-        p.drawText(place, Qt::AlignRight | Qt::AlignVCenter, placeText(m_rank));
+        TabularDigits::draw(p, place, Qt::AlignRight | Qt::AlignVCenter, placeText(m_rank));
     }
 
     const QPointF centre = iconCentre();
@@ -242,8 +243,8 @@ void RankRow::paintEvent(QPaintEvent *)
     p.drawText(QRect(nameX, 0, nameWidth, height()), Qt::AlignLeft | Qt::AlignVCenter, name);
 
     p.setFont(TextStyle::callout());
-    p.drawText(QRect(width() - padX - valueWidth, 0, valueWidth, height()),
-               Qt::AlignRight | Qt::AlignVCenter, valueText());
+    TabularDigits::draw(p, QRect(width() - padX - valueWidth, 0, valueWidth, height()),
+                        Qt::AlignRight | Qt::AlignVCenter, valueText());
 }
 
 void RankRow::enterEvent(QEnterEvent *)

@@ -1,5 +1,6 @@
 #include "world/ui/WorldCanvas.h"
 
+#include "platform/TabularDigits.h"
 #include "world/ui/Glow.h"
 #include "world/ui/MapFonts.h"
 #include "world/ui/Terrain.h"
@@ -370,8 +371,8 @@ void WorldCanvas::paintLabels(QPainter &painter, const WorldPalette &colors, con
             painter.setOpacity(0.9);
             painter.setFont(subtitleFont);
             painter.setPen(label.text);
-            painter.drawText(titleBox.translated(0, 15), Qt::AlignCenter,
-                             subtitleMetrics.elidedText(r.subtitle, Qt::ElideRight, width));
+            TabularDigits::draw(painter, titleBox.translated(0, 15), Qt::AlignCenter,
+                                subtitleMetrics.elidedText(r.subtitle, Qt::ElideRight, width));
             painter.restore();
         }
     }
