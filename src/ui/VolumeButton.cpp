@@ -4,8 +4,8 @@
 #include "platform/Icons.h"
 #include "sound/Sound.h"
 #include "ui/Popover.h"
+#include "ui/screens/ToggleSwitch.h"
 
-#include <QCheckBox>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -16,14 +16,15 @@ VolumeButton::VolumeButton(QWidget *parent)
     : QToolButton(parent), m_volume(Sound::shared().volume()), m_muted(Sound::shared().muted())
 {
     setAutoRaise(true);
-    setFixedWidth(26);
+    setFixedWidth(18);
+    setIconSize(QSize(16, 16));
     setToolTip(QStringLiteral("Sound"));
     setAccessibleName(QStringLiteral("Sound"));
 
     auto *panel = new QWidget;
     auto *column = new QVBoxLayout(panel);
     column->setContentsMargins(14, 12, 14, 12);
-    m_switch = new QCheckBox(QStringLiteral("Sound effects"), panel);
+    m_switch = new ToggleSwitch(QStringLiteral("Sound effects"), panel);
     m_switch->setChecked(!m_muted);
     column->addWidget(m_switch);
     auto *row = new QHBoxLayout;
@@ -43,7 +44,7 @@ VolumeButton::VolumeButton(QWidget *parent)
     column->addLayout(row);
     m_popover = new Popover(panel, this);
 
-    connect(m_switch, &QCheckBox::toggled, this, [this](bool on) {
+    connect(m_switch, &ToggleSwitch::toggled, this, [this](bool on) {
         m_muted = !on;
         Sound::shared().setMuted(m_muted);
         refreshIcon();

@@ -2,7 +2,7 @@
 
 #include <QToolButton>
 
-class QCheckBox;
+class ToggleSwitch;
 class QSlider;
 class Popover;
 
@@ -15,7 +15,7 @@ public:
     explicit VolumeButton(QWidget *parent = nullptr);
 
     [[nodiscard]] QString symbolName() const;
-    [[nodiscard]] QCheckBox *soundSwitch() const { return m_switch; }
+    [[nodiscard]] ToggleSwitch *soundSwitch() const { return m_switch; }
     [[nodiscard]] QSlider *slider() const { return m_slider; }
     [[nodiscard]] Popover *popover() const { return m_popover; }
 
@@ -27,7 +27,7 @@ private:
 
     double m_volume;
     bool m_muted;
-    QCheckBox *m_switch;
+    ToggleSwitch *m_switch;
     QSlider *m_slider;
     Popover *m_popover;
 };

@@ -16,10 +16,10 @@
 #include "ui/VolumeButton.h"
 #include "ui/screens/BountyView.h"
 #include "ui/screens/ScanningView.h"
+#include "ui/screens/ToggleSwitch.h"
 #include "ui/screens/WelcomeView.h"
 #include "world/ui/WorldView.h"
 
-#include <QCheckBox>
 #include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
@@ -291,6 +291,7 @@ private Q_SLOTS:
     {
         open();
         VolumeButton *volume = bar().volumeButton();
+        QCOMPARE(volume->width(), 18);
         QCOMPARE(volume->symbolName(), QStringLiteral("speaker.wave.2.fill")); // 0.8 by default
         volume->slider()->setValue(40);
         QCOMPARE(volume->symbolName(), QStringLiteral("speaker.wave.2.fill"));

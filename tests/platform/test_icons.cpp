@@ -48,6 +48,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("name");
         QTest::newRow("drawn") << QStringLiteral("chart.bar.fill");
+        QTest::newRow("map, drawn") << QStringLiteral("map");
         QTest::newRow("themed") << QStringLiteral("folder");
     }
 
@@ -73,6 +74,15 @@ private Q_SLOTS:
         faint.setAlphaF(0.5);
         QVERIFY(inkOf(Icons::symbol(name, faint, 16), 16, QIcon::Normal, red).maxAlpha < 140);
         QVERIFY(inkOf(Icons::symbol(name, red, 16), 16, QIcon::Normal, red).maxAlpha > 200);
+    }
+
+    // A folded map of filled panels, not the theme's location crosshair of thin lines.
+    void theMapIsAMap()
+    {
+        const QColor ink(30, 30, 30);
+        QVERIFY(
+            inkOf(Icons::symbol(QStringLiteral("map"), ink, 16), 16, QIcon::Normal, ink).pixels >
+            120);
     }
 
     void eachSizeIsDrawnAtThatSize()
