@@ -11,9 +11,6 @@ const QString manaKey = QStringLiteral("mana");
 const QString manaAtKey = QStringLiteral("manaAt");
 const QString castsKey = QStringLiteral("casts");
 
-// Absorbs the rounding of repeated 0.05 steps, so 2.95 + 0.05 still counts as a whole point.
-constexpr double wholePointSlack = 1e-9;
-
 } // namespace
 
 Magic::Magic(QObject *parent) : Magic(Options{}, parent) {}
@@ -24,9 +21,11 @@ Magic::Magic(Options options, QObject *parent)
     const QDateTime now = m_options.now();
     const double stored = Settings::number(*m_d, manaKey).value_or(maxMana);
     const QDateTime since = Settings::date(*m_d, manaAtKey).value_or(now);
-    // A clock set back since the last save refills nothing rather than draining the pool.
-    const double elapsed = std::max(since.msecsTo(now) / 1000.0, 0.0);
-    m_mana = std::clamp(stored + elapsed / secondsPerMana, 0.0, maxMana);
+    // A clock set back since the last save refills nothing rather than draining the pool; one
+    // millisecond away refills one unit.
+    const std::int64_t elapsed = std::clamp<std::int64_t>(since.msecsTo(now), 0, maxUnits);
+    m_units =
+        std::clamp<std::int64_t>(unitsOf(std::clamp(stored, 0.0, maxMana)) + elapsed, 0, maxUnits);
     m_casts = std::max<std::int64_t>(Settings::integer(*m_d, castsKey).value_or(0), 0);
 
     if (m_options.tickInterval.count() > 0) {
@@ -40,12 +39,12 @@ Magic::~Magic() = default;
 
 bool Magic::canCast(Spell spell) const
 {
-    return m_mana >= Spells::cost(spell);
+    return m_units >= unitsOf(Spells::cost(spell));
 }
 
 void Magic::spend(Spell spell)
 {
-    setMana(std::max(m_mana - Spells::cost(spell), 0.0));
+    setUnits(std::max<std::int64_t>(m_units - unitsOf(Spells::cost(spell)), 0));
     ++m_casts;
     Q_EMIT castsChanged();
     save();
@@ -53,32 +52,31 @@ void Magic::spend(Spell spell)
 
 void Magic::gain(double amount)
 {
-    setMana(std::min(m_mana + amount, maxMana));
+    setUnits(std::clamp<std::int64_t>(m_units + unitsOf(amount), 0, maxUnits));
     save();
 }
 
 void Magic::tick()
 {
-    if (m_mana >= maxMana)
+    if (m_units >= maxUnits)
         return;
-    setMana(std::min(m_mana + refillPerTick, maxMana));
-    const auto steps =
-        static_cast<std::int64_t>(std::floor(m_mana * secondsPerMana + wholePointSlack));
-    if (steps % static_cast<std::int64_t>(secondsPerMana) == 0)
+    setUnits(std::min(m_units + unitsPerTick, maxUnits));
+    // A whole point reached: the twentieths it holds are a multiple of twenty.
+    if ((m_units / unitsPerTick) % 20 == 0)
         save();
 }
 
 void Magic::save()
 {
-    m_d->setValue(manaKey, m_mana);
+    m_d->setValue(manaKey, mana());
     Settings::setDate(*m_d, manaAtKey, m_options.now());
     m_d->setValue(castsKey, qint64(m_casts));
 }
 
-void Magic::setMana(double mana)
+void Magic::setUnits(std::int64_t units)
 {
-    if (mana == m_mana)
+    if (units == m_units)
         return;
-    m_mana = mana;
+    m_units = units;
     Q_EMIT manaChanged();
 }

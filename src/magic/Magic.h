@@ -7,6 +7,7 @@
 #include <QSettings>
 #include <QTimer>
 #include <chrono>
+#include <cmath>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -27,14 +28,13 @@ public:
 
     static constexpr double maxMana = 5.0;
     static constexpr double secondsPerMana = 20.0;
-    static constexpr double refillPerTick = 1.0 / secondsPerMana;
     static constexpr double manaPerSlay = 1.0;
 
     explicit Magic(QObject *parent = nullptr);
     explicit Magic(Options options, QObject *parent = nullptr);
     ~Magic() override;
 
-    [[nodiscard]] double mana() const { return m_mana; }
+    [[nodiscard]] double mana() const { return double(m_units) / unitsPerMana; }
     [[nodiscard]] std::int64_t casts() const { return m_casts; }
 
     [[nodiscard]] bool canCast(Spell spell) const;
@@ -49,11 +49,20 @@ Q_SIGNALS:
     void castsChanged();
 
 private:
-    void setMana(double mana);
+    // Mana is counted in milliseconds of refill, 20,000 to a point, so ticks, slays and spells
+    // add up exactly: 0.05 a second summed as a double reached 2.9999999 with three full orbs.
+    static constexpr std::int64_t unitsPerMana = 20'000;
+    static constexpr std::int64_t unitsPerTick = 1'000;
+    static constexpr std::int64_t maxUnits = 5 * unitsPerMana;
+    [[nodiscard]] static std::int64_t unitsOf(double mana)
+    {
+        return std::llround(mana * unitsPerMana);
+    }
+    void setUnits(std::int64_t units);
 
     Options m_options;
     std::unique_ptr<QSettings> m_d;
-    double m_mana = maxMana;
+    std::int64_t m_units = maxUnits;
     std::int64_t m_casts = 0;
     QTimer m_timer;
 };
