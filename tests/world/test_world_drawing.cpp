@@ -6,7 +6,9 @@
 #include "support/TreeBuilder.h"
 #include "world/ManualClock.h"
 #include "world/Player.h"
+#include "world/ui/Glow.h"
 #include "world/ui/IslandRenderer.h"
+#include "world/ui/MapFonts.h"
 #include "world/ui/MonsterGlyph.h"
 #include "world/ui/MonsterSprite.h"
 #include "world/ui/WorldCanvas.h"
@@ -232,6 +234,32 @@ private Q_SLOTS:
                 QVERIFY(Appearance::contrast(text, colors.ground(tier, false)) >= 4.5);
                 QVERIFY(Appearance::contrast(text, colors.label(tier, false).halo) >= 4.5);
             }
+        }
+    }
+
+    // At device pixel ratios 1, 1.5 and 2 a label's glow is centred on its text.
+    void glowsSitOnTheirTextAtEveryRatio()
+    {
+        const auto centre = [](double dpr, const QColor &text, const QColor &glow) {
+            QImage image(int(200 * dpr), int(60 * dpr), QImage::Format_ARGB32_Premultiplied);
+            image.setDevicePixelRatio(dpr);
+            image.fill(Qt::transparent);
+            QPainter p(&image);
+            Glow::drawText(p, QRectF(0, 0, 200, 60), Qt::AlignCenter, QStringLiteral("Glade"),
+                           MapFonts::serif(13, QFont::DemiBold), text, glow, 2);
+            p.end();
+            QRect ink;
+            for (int y = 0; y < image.height(); ++y)
+                for (int x = 0; x < image.width(); ++x)
+                    if (qAlpha(image.pixel(x, y)) > 40)
+                        ink |= QRect(x, y, 1, 1);
+            return QPointF(ink.center()) / dpr;
+        };
+        for (const double dpr : {1.0, 1.5, 2.0}) {
+            const QPointF text = centre(dpr, Qt::blue, Qt::transparent);
+            const QPointF glow = centre(dpr, Qt::transparent, Qt::red);
+            QVERIFY2(std::abs(text.x() - glow.x()) <= 1 && std::abs(text.y() - glow.y()) <= 1,
+                     qPrintable(QStringLiteral("ratio %1").arg(dpr)));
         }
     }
 

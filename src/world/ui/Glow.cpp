@@ -54,8 +54,12 @@ QImage Glow::shadow(const QImage &image, const QColor &color, double radius)
                QImage::Format_ARGB32_Premultiplied);
     out.fill(Qt::transparent);
     {
+        // Pixel for pixel: drawn with its ratio, a 2x image would land at half its size, and the
+        // glow would sit above and left of its text on a HiDPI screen.
+        QImage pixels = image;
+        pixels.setDevicePixelRatio(1);
         QPainter p(&out);
-        p.drawImage(pad, pad, image);
+        p.drawImage(pad, pad, pixels);
         p.setCompositionMode(QPainter::CompositionMode_SourceIn);
         p.fillRect(out.rect(), color);
     }
