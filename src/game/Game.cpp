@@ -89,12 +89,16 @@ Game::~Game()
 void Game::load()
 {
     const QSettings &d = *m_d;
-    // Experience never decreases; a negative stored value can only be damage, so it counts as 0.
-    m_xp = std::max<qint64>(Settings::integer(d, QStringLiteral("xp")).value_or(0), 0);
+    // Experience never decreases; a negative stored value can only be damage, so it counts as 0,
+    // and a huge one is held where the level arithmetic stays exact.
+    m_xp = std::clamp<qint64>(Settings::integer(d, QStringLiteral("xp")).value_or(0), 0, maxXP);
     m_reclaimed = toByteCount(Settings::number(d, QStringLiteral("reclaimed")));
     for (const QString &id :
-         Settings::stringList(d, QStringLiteral("unlocked")).value_or(QStringList{}))
-        m_unlocked.insert(id);
+         Settings::stringList(d, QStringLiteral("unlocked")).value_or(QStringList{})) {
+        // An id no achievement has would count towards the fifteen without being one of them.
+        if (Achievement::find(id))
+            m_unlocked.insert(id);
+    }
     for (const QString &p :
          Settings::stringList(d, QStringLiteral("visited")).value_or(QStringList{}))
         m_seen.insert(bytesOf(p));
@@ -207,7 +211,7 @@ std::int64_t Game::xpFor(std::uint64_t bytes)
 void Game::gainXP(std::int64_t amount, std::optional<Toast> toast)
 {
     const int before = level();
-    m_xp += amount;
+    m_xp = std::clamp<std::int64_t>(m_xp + std::max<std::int64_t>(amount, 0), 0, maxXP);
     Q_EMIT xpChanged();
     if (toast)
         post(std::move(*toast));
@@ -230,7 +234,7 @@ void Game::unlock(const QString &id)
     if (!a)
         return;
     m_unlocked.insert(id);
-    m_xp += 30; // directly: an achievement never announces a level of its own
+    m_xp = std::min<std::int64_t>(m_xp + 30, maxXP); // directly: no level-up of its own
     Q_EMIT unlockedChanged();
     Q_EMIT xpChanged();
     post(Toast::make(a->emoji, QStringLiteral("Achievement: ") + a->title,

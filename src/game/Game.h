@@ -39,6 +39,8 @@ public:
 
     static constexpr std::uint64_t questGoal = 1'000'000'000;
     static constexpr std::size_t visitedLimit = 5000;
+    // Level 100,001: far beyond play, and well inside what the level arithmetic can hold.
+    static constexpr std::int64_t maxXP = 50LL * 100'000 * 100'000;
 
     explicit Game(QObject *parent = nullptr);
     explicit Game(Options options, QObject *parent = nullptr);

@@ -6,6 +6,7 @@
 #include "support/TreeBuilder.h"
 
 #include <QSignalSpy>
+#include <limits>
 
 namespace {
 
@@ -339,6 +340,19 @@ private Q_SLOTS:
         QCOMPARE(makeGame()->xp(), 0);
         Settings::open()->setValue(QStringLiteral("reclaimed"), -0.5);
         QCOMPARE(makeGame()->reclaimed(), 0u);
+
+        // Ids of no achievement do not count; huge experience keeps the level arithmetic sound.
+        Settings::open()->setValue(
+            QStringLiteral("unlocked"),
+            QStringList{QStringLiteral("first_scan"), QStringLiteral("bogus")});
+        Settings::open()->setValue(QStringLiteral("xp"), std::numeric_limits<qint64>::max());
+        const auto loaded = makeGame();
+        QCOMPARE(loaded->unlocked(), std::set<QString>{QStringLiteral("first_scan")});
+        QCOMPARE(loaded->xp(), Game::maxXP);
+        QVERIFY(loaded->xpToNext() > 0 && loaded->levelProgress() >= 0 &&
+                loaded->levelProgress() < 1);
+        loaded->gainXP(std::numeric_limits<std::int64_t>::max() / 2);
+        QCOMPARE(loaded->xp(), Game::maxXP);
     }
 
     void aCorruptSettingsFileIsNotFatal()
