@@ -106,8 +106,8 @@ public:
     {
         if (path == m_home + "/.Trash" || (!m_trash.empty() && path == m_trash))
             return Verdict{Safety::review,
-                           "Already in the Trash. Empty the Trash in Finder to actually free this "
-                           "space.",
+                           "Already in the Trash. Empty the Trash in your file manager to actually "
+                           "free this space.",
                            false};
         if (path == m_dev + "/Xcode/DerivedData")
             return Verdict{Safety::safe, "Xcode build products. Rebuilt on your next build."};

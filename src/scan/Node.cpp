@@ -12,7 +12,7 @@ NodePtr Node::create(std::string name, const NodePtr &parent)
 std::string Node::rootName(const std::string &scannedPath)
 {
     if (scannedPath == "/")
-        return "Macintosh HD";
+        return "Computer";
     std::string_view p = scannedPath;
     while (p.size() > 1 && p.back() == '/')
         p.remove_suffix(1);

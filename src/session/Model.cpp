@@ -428,7 +428,7 @@ void Model::slayAll(const std::vector<Advice> &items, Game &game)
         play(Sound::Sfx::denied());
         setError(
             QStringLiteral(
-                "%1 item%2 couldn't be moved to the Trash (macOS or another app protects them).")
+                "%1 item%2 couldn't be moved to the Trash (the system or another app protects them).")
                 .arg(failures)
                 .arg(failures == 1 ? QString() : QStringLiteral("s")));
     }

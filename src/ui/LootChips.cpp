@@ -34,7 +34,7 @@ LootChips::LootChips(Model &model, Game &game, bool reduceMotion, QWidget *paren
 
     m_trash->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_trash->setToolTip(QStringLiteral("Slain items wait in the Trash and still use space. Empty "
-                                       "the Trash in Finder to free it."));
+                                       "the Trash in your file manager to free it."));
     m_trash->setFont(TextStyle::caption());
     connect(m_trash, &QToolButton::clicked, &model, &Model::openTrash);
     layout->addWidget(m_trash);

@@ -14,7 +14,7 @@ constexpr std::int64_t now = 1'700'000'000;
 constexpr std::int64_t day = 86'400;
 
 const char *const trashReason =
-    "Already in the Trash. Empty the Trash in Finder to actually free this space.";
+    "Already in the Trash. Empty the Trash in your file manager to actually free this space.";
 const char *const appCacheReason = "App cache. The app rebuilds it automatically.";
 const char *const supportCacheReason =
     "App cache (browser, editor or chat app). Rebuilt on next launch.";

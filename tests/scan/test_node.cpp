@@ -52,7 +52,7 @@ private Q_SLOTS:
         NodePtr users = folder("Users", 0, 0);
         NodePtr root = folder(Node::rootName("/"), 0, 0, {users});
         root->setBasePath("/");
-        QCOMPARE(root->name(), std::string("Macintosh HD"));
+        QCOMPARE(root->name(), std::string("Computer"));
         QCOMPARE(users->path(), std::string("/Users"));
 
         NodePtr bob = folder("bob", 0, 0);

@@ -309,7 +309,7 @@ private Q_SLOTS:
         WalkingScanner scanner;
         const NodePtr root = scanner.scan("/");
         QVERIFY(root);
-        QCOMPARE(root->name(), std::string("Macintosh HD"));
+        QCOMPARE(root->name(), std::string("Computer"));
         QVERIFY(root->files() > 0);
         for (const NodePtr &child : root->children()) {
             QVERIFY(child->path().find("//") == std::string::npos);

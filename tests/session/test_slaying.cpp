@@ -182,7 +182,7 @@ private Q_SLOTS:
         QCOMPARE(
             m_model->error(),
             std::optional(QStringLiteral(
-                "1 item couldn't be moved to the Trash (macOS or another app protects them).")));
+                "1 item couldn't be moved to the Trash (the system or another app protects them).")));
         QTRY_VERIFY(std::any_of(m_toasts.begin(), m_toasts.end(), [](const Toast &t) {
             return t.title == QStringLiteral("Swept 2 monsters!");
         }));

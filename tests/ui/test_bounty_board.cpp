@@ -203,7 +203,7 @@ private Q_SLOTS:
         QStringList offered;
         for (const QAction *a : menu->actions())
             offered << a->text();
-        QCOMPARE(offered, QStringList({"Reveal in Finder", "Copy Path"}));
+        QCOMPARE(offered, QStringList({"Reveal in File Manager", "Copy Path"}));
         // The board rebuilding its rows under the open menu must not take the menu with it.
         const QPointer<BountyRow> old(row);
         m_s->model->setAdvice(mixedAdvice());

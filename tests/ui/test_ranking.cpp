@@ -245,7 +245,7 @@ private Q_SLOTS:
         const std::vector<Tile> tiles = model.tiles(100);
 
         TileMenu big(model, game, tiles[0]);
-        QCOMPARE(texts(big), QStringList({"Open", "Show on Map", "Reveal in Finder", "—",
+        QCOMPARE(texts(big), QStringList({"Open", "Show on Map", "Reveal in File Manager", "—",
                                           "⚔️ Slay (Move to Trash)…"}));
         QVERIFY(big.actions()[0]->isEnabled());
         TileMenu many(model, game, tiles[2]);
@@ -254,10 +254,10 @@ private Q_SLOTS:
         // The scan root is never offered for slaying.
         Tile root{"root", Tile::Folder{model.root()}, "root", 1};
         TileMenu rootMenu(model, game, root);
-        QCOMPARE(texts(rootMenu), QStringList({"Open", "Show on Map", "Reveal in Finder"}));
+        QCOMPARE(texts(rootMenu), QStringList({"Open", "Show on Map", "Reveal in File Manager"}));
 
         TileMenu loose(model, game, tiles[3]);
-        QCOMPARE(texts(loose), QStringList({"Reveal Folder in Finder"}));
+        QCOMPARE(texts(loose), QStringList({"Reveal Folder in File Manager"}));
         loose.actions()[0]->trigger();
         QCOMPARE(m_s->revealed->size(), 1);
         QVERIFY(m_s->revealed->front().endsWith(QStringLiteral("/ranking")));

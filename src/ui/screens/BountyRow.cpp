@@ -96,7 +96,7 @@ BountyRow::BountyRow(Model &model, Game &game, Advice item, QWidget *parent)
 
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(4);
-    m_reveal = symbolButton(tr("Reveal in Finder"), this);
+    m_reveal = symbolButton(tr("Reveal in File Manager"), this);
     connect(m_reveal, &QToolButton::clicked, this, [this] { m_model.reveal(m_item.path); });
     buttons->addWidget(m_reveal);
     if (const NodePtr node = m_item.folder()) {
@@ -198,7 +198,7 @@ std::unique_ptr<QMenu> BountyRow::makeContextMenu() const
 {
     // Holds what it needs by value: the board may rebuild its rows while the menu is open.
     auto menu = std::make_unique<QMenu>();
-    QAction *reveal = menu->addAction(tr("Reveal in Finder"));
+    QAction *reveal = menu->addAction(tr("Reveal in File Manager"));
     connect(reveal, &QAction::triggered, reveal,
             [&model = m_model, path = m_item.path] { model.reveal(path); });
     QAction *copy = menu->addAction(tr("Copy Path"));

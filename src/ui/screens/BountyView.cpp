@@ -175,7 +175,7 @@ void BountyView::buildBoard()
     TextStyle::makeSecondary(summary);
     header->addWidget(summary);
     auto *note =
-        label(tr("Slain items wait in the Trash. Empty it in Finder to actually free the space."),
+        label(tr("Slain items wait in the Trash. Empty it in your file manager to actually free the space."),
               TextStyle::caption(), board);
     note->setWordWrap(true);
     TextStyle::makeSecondary(note);

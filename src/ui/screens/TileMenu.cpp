@@ -13,7 +13,7 @@ TileMenu::TileMenu(Model &model, Game &game, Tile tile, QWidget *parent)
     if (const NodePtr *node = m_tile.folder()) {
         addFolderItems(*node);
     } else if (m_model.current()) {
-        addAction(tr("Reveal Folder in Finder"), this, [this] {
+        addAction(tr("Reveal Folder in File Manager"), this, [this] {
             if (const NodePtr &current = m_model.current())
                 m_model.reveal(current->path());
         });
@@ -25,7 +25,7 @@ void TileMenu::addFolderItems(const NodePtr &node)
     QAction *open = addAction(tr("Open"), this, [this, node] { m_model.go(node, m_game); });
     open->setEnabled(!node->children().empty());
     addAction(tr("Show on Map"), this, [this, node] { m_model.show(node, m_game); });
-    addAction(tr("Reveal in Finder"), this, [this, node] { m_model.reveal(node->path()); });
+    addAction(tr("Reveal in File Manager"), this, [this, node] { m_model.reveal(node->path()); });
     if (m_model.canSlay(*node)) {
         addSeparator();
         const QString slay = tr("⚔️ Slay (Move to Trash)…");
