@@ -3,7 +3,9 @@
 #include "game/Game.h"
 #include "session/Model.h"
 
+#include <QCoreApplication>
 #include <QMenuBar>
+#include <QMessageBox>
 
 MainWindow::MainWindow(Model &model, Game &game, Magic &magic, ContentView::Options options,
                        QWidget *parent)
@@ -18,6 +20,14 @@ MainWindow::MainWindow(Model &model, Game &game, Magic &magic, ContentView::Opti
         setWindowTitle(subtitle.isEmpty() ? QStringLiteral("Dustmere")
                                           : subtitle + QStringLiteral(" — Dustmere"));
     });
+
+    m_app = menuBar()->addMenu(QStringLiteral("Dustmere"));
+    m_app->addAction(QStringLiteral("About Dustmere"), this, &MainWindow::showAbout);
+    m_app->addSeparator();
+    // Closing the one window quits, as Qt does after the last window.
+    QAction *quit = m_app->addAction(QStringLiteral("Quit"), this, &QWidget::close);
+    quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    quit->setShortcutContext(Qt::ApplicationShortcut);
 
     // The model operations ignore what does not apply, so the items stay enabled.
     m_world = menuBar()->addMenu(QStringLiteral("World"));
@@ -36,4 +46,23 @@ MainWindow::MainWindow(Model &model, Game &game, Magic &magic, ContentView::Opti
                        [&model] { model.setZoomLevel(0); });
     for (QAction *action : m_world->actions())
         action->setShortcutContext(Qt::ApplicationShortcut);
+}
+
+void MainWindow::showAbout()
+{
+    if (m_about) {
+        m_about->raise();
+        return;
+    }
+    const QString version = QCoreApplication::applicationVersion();
+    auto *box = new QMessageBox(QMessageBox::NoIcon, QStringLiteral("About Dustmere"),
+                                QStringLiteral("Dustmere %1").arg(version).trimmed(),
+                                QMessageBox::Close, this);
+    box->setIconPixmap(windowIcon().pixmap(64, 64));
+    box->setInformativeText(QStringLiteral(
+        "Explore where your disk space went, as a small role-playing game. Slain monsters go to "
+        "the Trash: Dustmere never deletes anything itself."));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    m_about = box;
+    box->open();
 }

@@ -3,8 +3,11 @@
 #include "ui/ContentView.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
-// The one window, "Dustmere", with its World menu.
+class QMessageBox;
+
+// The one window, "Dustmere", with its application menu (About, Quit) and its World menu.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -14,9 +17,15 @@ public:
                QWidget *parent = nullptr);
 
     [[nodiscard]] ContentView *content() const { return m_content; }
+    [[nodiscard]] QMenu *appMenu() const { return m_app; }
     [[nodiscard]] QMenu *worldMenu() const { return m_world; }
+    [[nodiscard]] QMessageBox *aboutBox() const { return m_about; }
 
 private:
+    void showAbout();
+
     ContentView *m_content;
+    QMenu *m_app;
     QMenu *m_world;
+    QPointer<QMessageBox> m_about;
 };

@@ -193,6 +193,15 @@ private Q_SLOTS:
     void worldMenuShortcuts()
     {
         open();
+        QStringList app;
+        for (QAction *a : m_window->appMenu()->actions())
+            app << (a->isSeparator() ? QStringLiteral("-") : a->text());
+        QCOMPARE(app, (QStringList{QStringLiteral("About Dustmere"), QStringLiteral("-"),
+                                   QStringLiteral("Quit")}));
+        m_window->appMenu()->actions().front()->trigger();
+        QVERIFY(m_window->aboutBox() && m_window->aboutBox()->isVisible());
+        m_window->aboutBox()->close();
+
         QMenu *world = m_window->worldMenu();
         QCOMPARE(world->title(), QStringLiteral("World"));
         QStringList items;
@@ -210,6 +219,10 @@ private Q_SLOTS:
         QCOMPARE(m_model->zoomLevel(), 0);
         QTest::keyClick(m_window.get(), Qt::Key_Minus, Qt::ControlModifier);
         QCOMPARE(m_played.size(), 4u);
+        // Ctrl+Q closes the one window, and with it the application.
+        QVERIFY(QGuiApplication::quitOnLastWindowClosed());
+        QTest::keyClick(m_window.get(), Qt::Key_Q, Qt::ControlModifier);
+        QVERIFY(!m_window->isVisible());
     }
 
     void confirmingASlayCallsTheRightOperation()
