@@ -3,6 +3,7 @@
 #include "game/Game.h"
 #include "magic/Magic.h"
 #include "platform/Appearance.h"
+#include "platform/DesktopScheme.h"
 #include "platform/Settings.h"
 #include "session/Migration.h"
 #include "session/Model.h"
@@ -23,10 +24,22 @@ int dustmere_run_window(int argc, char *argv[], const CommandLine *commandLine)
     QApplication::setDesktopFileName(QStringLiteral("dustmere"));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/dustmere.svg")));
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    // --appearance= wins; otherwise the desktop's preference, followed live, or failing that
+    // the platform theme's own palette.
+    std::unique_ptr<DesktopScheme> desktop;
     if (cl.appearance != CommandLine::Appearance::system) {
         QApplication::setPalette(Appearance::palette(cl.appearance == CommandLine::Appearance::dark
                                                          ? Appearance::Scheme::dark
                                                          : Appearance::Scheme::light));
+    } else {
+        desktop = std::make_unique<DesktopScheme>();
+        const QPalette platform = QApplication::palette();
+        const auto follow = [scheme = desktop.get(), platform] {
+            const std::optional<Appearance::Scheme> s = scheme->scheme();
+            QApplication::setPalette(s ? Appearance::palette(*s) : platform);
+        };
+        follow();
+        QObject::connect(desktop.get(), &DesktopScheme::changed, &app, follow);
     }
     // Without a sound server Qt Multimedia complains on every attempt; silence is the intended
     // outcome.

@@ -7,7 +7,9 @@
 #include "scan/Fmt.h"
 #include "session/Model.h"
 #include "ui/TabularLabel.h"
+#include "ui/screens/TextStyle.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QScrollBar>
@@ -94,9 +96,7 @@ void Breadcrumbs::rebuild()
     }
     m_size = new TabularLabel(m_content);
     m_size->setText(QStringLiteral("· ") + Fmt::bytes(current->size()));
-    QPalette pal = m_size->palette();
-    pal.setColor(QPalette::WindowText, secondary);
-    m_size->setPalette(pal);
+    TextStyle::makeSecondary(m_size);
     add(m_size);
     m_row->addStretch(1);
     updateGeometry();
@@ -106,6 +106,13 @@ void Breadcrumbs::rebuild()
 void Breadcrumbs::scrollToEnd()
 {
     horizontalScrollBar()->setValue(horizontalScrollBar()->maximum());
+}
+
+void Breadcrumbs::changeEvent(QEvent *event)
+{
+    QScrollArea::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        rebuild();
 }
 
 void Breadcrumbs::resizeEvent(QResizeEvent *event)

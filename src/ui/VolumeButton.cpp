@@ -28,11 +28,10 @@ VolumeButton::VolumeButton(QWidget *parent)
     m_switch->setChecked(!m_muted);
     column->addWidget(m_switch);
     auto *row = new QHBoxLayout;
-    auto *low = new QLabel(panel);
-    auto *high = new QLabel(panel);
-    const QColor ink = Appearance::ink(palette());
-    low->setPixmap(Icons::symbol(QStringLiteral("speaker.fill"), ink, 14).pixmap(14, 14));
-    high->setPixmap(Icons::symbol(QStringLiteral("speaker.wave.3.fill"), ink, 14).pixmap(14, 14));
+    m_low = new QLabel(panel);
+    m_high = new QLabel(panel);
+    auto *low = m_low;
+    auto *high = m_high;
     m_slider = new QSlider(Qt::Horizontal, panel);
     m_slider->setRange(0, 100);
     m_slider->setValue(qRound(m_volume * 100));
@@ -76,7 +75,10 @@ QString VolumeButton::symbolName() const
 
 void VolumeButton::refreshIcon()
 {
-    setIcon(Icons::symbol(symbolName(), Appearance::ink(palette()), 16));
+    const QColor ink = Appearance::ink(palette());
+    setIcon(Icons::symbol(symbolName(), ink, 16));
+    m_low->setPixmap(Icons::symbol(QStringLiteral("speaker.fill"), ink, 14).pixmap(14, 14));
+    m_high->setPixmap(Icons::symbol(QStringLiteral("speaker.wave.3.fill"), ink, 14).pixmap(14, 14));
 }
 
 void VolumeButton::changeEvent(QEvent *event)

@@ -3,6 +3,7 @@
 #include <QToolButton>
 
 class ToggleSwitch;
+class QLabel;
 class QSlider;
 class Popover;
 
@@ -29,5 +30,7 @@ private:
     bool m_muted;
     ToggleSwitch *m_switch;
     QSlider *m_slider;
+    QLabel *m_low;
+    QLabel *m_high;
     Popover *m_popover;
 };

@@ -1,6 +1,7 @@
 #include "ui/screens/BountyView.h"
 
 #include "game/Game.h"
+#include "platform/Appearance.h"
 #include "platform/Emoji.h"
 #include "platform/Icons.h"
 #include "scan/Fmt.h"
@@ -9,6 +10,7 @@
 #include "ui/screens/ProminentButton.h"
 #include "ui/screens/TextStyle.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QScrollArea>
@@ -97,6 +99,13 @@ void BountyView::invalidate()
     });
 }
 
+void BountyView::changeEvent(QEvent *event)
+{
+    QStackedWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        invalidate();
+}
+
 void BountyView::showEvent(QShowEvent *event)
 {
     QStackedWidget::showEvent(event);
@@ -174,9 +183,9 @@ void BountyView::buildBoard()
     summary->setObjectName(QStringLiteral("summary"));
     TextStyle::makeSecondary(summary);
     header->addWidget(summary);
-    auto *note =
-        label(tr("Slain items wait in the Trash. Empty it in your file manager to actually free the space."),
-              TextStyle::caption(), board);
+    auto *note = label(tr("Slain items wait in the Trash. Empty it in your file manager to "
+                          "actually free the space."),
+                       TextStyle::caption(), board);
     note->setWordWrap(true);
     TextStyle::makeSecondary(note);
     header->addWidget(note);
@@ -240,7 +249,7 @@ void BountyView::addGroup(QVBoxLayout *column, Advice::Safety safety)
     auto *heading = new QHBoxLayout;
     heading->setSpacing(6);
     auto *symbol = new QLabel(board);
-    const QColor colour = Safeties::color(safety).resolve(false);
+    const QColor colour = Appearance::resolve(Safeties::color(safety), palette());
     symbol->setPixmap(Icons::symbol(Safeties::symbolName(safety), colour, 16).pixmap(16, 16));
     heading->addWidget(symbol);
     auto *title = label(Safeties::label(safety), TextStyle::headline(), board);

@@ -8,7 +8,6 @@
 #include "world/ui/Terrain.h"
 
 #include <QFontDatabase>
-#include <QFrame>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPainter>
@@ -41,17 +40,24 @@ QLabel *heading(const QString &words, QWidget *parent)
     return text(words, f, parent);
 }
 
-QFrame *divider(QWidget *parent)
+// A hairline in the ink at 20 %, painted from the palette so it follows the appearance.
+class Divider : public QWidget
 {
-    auto *line = new QFrame(parent);
-    line->setFrameShape(QFrame::HLine);
-    line->setFrameShadow(QFrame::Plain);
-    QPalette p = line->palette();
-    QColor c = Appearance::ink(p);
-    c.setAlphaF(0.2f);
-    p.setColor(QPalette::WindowText, c);
-    line->setPalette(p);
-    return line;
+public:
+    explicit Divider(QWidget *parent) : QWidget(parent) { setFixedHeight(1); }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QColor c = Appearance::ink(palette());
+        c.setAlphaF(0.2f);
+        QPainter(this).fillRect(rect(), c);
+    }
+};
+
+QWidget *divider(QWidget *parent)
+{
+    return new Divider(parent);
 }
 
 // A rounded square of a tier's land colour.
