@@ -79,7 +79,8 @@ int runHeadlessReport(const std::string &path, CommandLine::ReportFormat format,
     const Advisor::Context context;
     input.advice = Advisor::advise(input.root, input.bigFiles, context);
     input.home = context.home;
-    const std::string out = json ? Report::json(input, depth, &fragments) : Report::text(input);
+    const std::string out =
+        json ? Report::json(input, depth, &fragments) : Report::text(input, depth);
     std::fwrite(out.data(), 1, out.size(), stdout);
     return std::fflush(stdout) == 0 ? 0 : 1;
 }

@@ -4,15 +4,10 @@
 #include <QDBusMessage>
 #include <QDesktopServices>
 
-namespace {
-
-// Built from the bytes, so a name that is not UTF-8 still addresses its own file.
-QUrl fileUrl(const std::string &path)
+QUrl Desktop::fileUrl(const std::string &path)
 {
     return QUrl::fromEncoded("file://" + QByteArray::fromStdString(path).toPercentEncoding("/"));
 }
-
-} // namespace
 
 void Desktop::reveal(const std::string &path)
 {

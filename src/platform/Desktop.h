@@ -15,6 +15,9 @@ public:
     void reveal(const std::string &path);
     // Opens the Trash in the file manager, else the folder that holds the trashed items.
     void openTrash(const std::string &homeTrash);
+    // A file: URL built from the path's bytes, so a name that is not UTF-8 still addresses its
+    // own file.
+    [[nodiscard]] static QUrl fileUrl(const std::string &path);
 
 protected:
     [[nodiscard]] virtual bool showItems(const QStringList &uris);

@@ -29,7 +29,8 @@ using Fragments = std::unordered_map<const Node *, std::string>;
                                const Fragments *fragments = nullptr);
 // One top-level folder of the root as the JSON that json() would write for it.
 [[nodiscard]] std::string jsonFragment(const Node &folder, std::optional<int> depth);
-[[nodiscard]] std::string text(const Input &input);
+// depth is how many levels of folders the text shows; none means one.
+[[nodiscard]] std::string text(const Input &input, std::optional<int> depth = std::nullopt);
 
 // The advice as the bounty board shows it: safe, then rebuild, then review, each in list order.
 [[nodiscard]] std::vector<Advice> boardOrder(const std::vector<Advice> &advice);

@@ -42,34 +42,63 @@ QString safetySign(Advice::Safety s)
     return {};
 }
 
-void territories(QString &out, const Node &root)
+// One level of the tree: the biggest folders, the rest summed, then the loose files; each folder
+// followed by its own level while `levels` lasts.
+void territoryLevel(QString &out, const Node &folder, int levels, int indent)
 {
     constexpr std::size_t shown = 20;
-    const auto &children = root.children();
-    if (!children.empty())
-        out += QStringLiteral("\nTerritories\n");
+    constexpr int nameWidth = 24;
+    const QString pad(indent, QLatin1Char(' '));
+    const int width = std::max(8, nameWidth - indent);
+    const auto &children = folder.children();
     for (std::size_t i = 0; i < std::min(shown, children.size()); ++i) {
         const Node &c = *children[i];
-        out += QStringLiteral("  %1 %2 %3 %4 %5\n")
-                   .arg(Tiers::emoji(Tiers::ofBytes(c.size())), left(Report::placeName(c), 30),
-                        left(display(c.name()), 24), right(Fmt::bytes(c.size()), 10),
-                        right(Fmt::count(c.files()) + QStringLiteral(" files"), 14));
+        out += QStringLiteral("  %1 %2 %3%4 %5 %6\n")
+                   .arg(Tiers::emoji(Tiers::ofBytes(c.size())), left(Report::placeName(c), 30), pad,
+                        left(display(c.name()), width), right(Fmt::bytes(c.size()), 10),
+                        right(Fmt::files(c.files()), 14));
+        if (levels > 1)
+            territoryLevel(out, c, levels - 1, indent + 2);
     }
+    const int restWidth = 55 - indent;
     if (children.size() > shown) {
         const std::size_t rest = children.size() - shown;
         std::uint64_t bytes = 0;
         for (std::size_t i = shown; i < children.size(); ++i)
             bytes += children[i]->size();
-        out += QStringLiteral("     %1 %2\n")
-                   .arg(left(QStringLiteral("%1 smaller folders").arg(rest), 55),
+        out += QStringLiteral("     %1%2 %3\n")
+                   .arg(pad, left(QStringLiteral("%1 smaller folders").arg(rest), restWidth),
                         right(Fmt::bytes(bytes), 10));
     }
-    if (root.looseFiles() > 0) {
-        out += QStringLiteral("     %1 %2 %3\n")
-                   .arg(left(QStringLiteral("Loose files"), 55),
-                        right(Fmt::bytes(root.looseSize()), 10),
-                        right(Fmt::count(root.looseFiles()) + QStringLiteral(" files"), 14));
+    if (folder.looseFiles() > 0 && (indent == 0 || !children.empty())) {
+        out += QStringLiteral("     %1%2 %3 %4\n")
+                   .arg(pad, left(QStringLiteral("Loose files"), restWidth),
+                        right(Fmt::bytes(folder.looseSize()), 10),
+                        right(Fmt::files(folder.looseFiles()), 14));
     }
+}
+
+void territories(QString &out, const Node &root, int levels)
+{
+    if (root.children().empty() || levels < 1)
+        return;
+    out += QStringLiteral("\nTerritories\n");
+    territoryLevel(out, root, levels, 0);
+}
+
+void bigFiles(QString &out, std::vector<BigFile> files)
+{
+    constexpr std::size_t shown = 10;
+    if (files.empty())
+        return;
+    std::stable_sort(files.begin(), files.end(),
+                     [](const BigFile &a, const BigFile &b) { return a.size > b.size; });
+    out += QStringLiteral("\nBig files\n");
+    for (std::size_t i = 0; i < std::min(shown, files.size()); ++i)
+        out += QStringLiteral("  %1  %2\n")
+                   .arg(right(Fmt::bytes(files[i].size), 10), display(files[i].path));
+    if (files.size() > shown)
+        out += QStringLiteral("  %1 more\n").arg(Fmt::count(std::int64_t(files.size() - shown)));
 }
 
 void bounties(QString &out, const Report::Input &input)
@@ -120,17 +149,20 @@ void bounties(QString &out, const Report::Input &input)
 
 } // namespace
 
-std::string Report::text(const Input &input)
+std::string Report::text(const Input &input, std::optional<int> depth)
 {
     const Node &root = *input.root;
     const Tier tier = Tiers::ofBytes(root.size());
     QString out;
     out += QStringLiteral("%1 %2 · %3\n")
                .arg(Tiers::emoji(tier), placeName(root), display(root.path()));
-    out += QStringLiteral("   %1 · %2 files · %3 territories\n")
-               .arg(Fmt::bytes(root.size()), Fmt::count(root.files()),
-                    Fmt::count(std::int64_t(root.children().size())));
-    territories(out, root);
+    const auto count = std::int64_t(root.children().size());
+    out += QStringLiteral("   %1 · %2 · %3\n")
+               .arg(Fmt::bytes(root.size()), Fmt::files(root.files()),
+                    Fmt::count(count) + (count == 1 ? QStringLiteral(" territory")
+                                                    : QStringLiteral(" territories")));
+    territories(out, root, depth.value_or(1));
+    bigFiles(out, input.bigFiles);
     bounties(out, input);
     return out.toStdString();
 }

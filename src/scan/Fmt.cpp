@@ -87,3 +87,8 @@ QString Fmt::count(std::int64_t n)
 {
     return numberLocale().toString(static_cast<qlonglong>(n));
 }
+
+QString Fmt::files(std::int64_t n)
+{
+    return count(n) + (n == 1 ? QStringLiteral(" file") : QStringLiteral(" files"));
+}

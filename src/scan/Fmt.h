@@ -12,5 +12,7 @@ namespace Fmt {
 
 // The count with the locale's digit grouping.
 [[nodiscard]] QString count(std::int64_t n);
+// "1 file", "2,048 files".
+[[nodiscard]] QString files(std::int64_t n);
 
 } // namespace Fmt

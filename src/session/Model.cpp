@@ -141,6 +141,7 @@ void Model::scan(Game &game)
     setCurrent(nullptr);
     setHovered(std::nullopt);
     setAdvice({});
+    m_bigFiles.clear();
     setPartial({});
     setProgress({});
     m_timer.start();
@@ -150,8 +151,10 @@ void Model::scan(Game &game)
     QtConcurrent::run([scanner, path, context] {
         ScanResult result;
         result.root = scanner->scan(path);
-        if (result.root)
-            result.advice = Advisor::advise(result.root, scanner->bigFiles(), context);
+        if (result.root) {
+            result.bigFiles = scanner->bigFiles();
+            result.advice = Advisor::advise(result.root, result.bigFiles, context);
+        }
         return result;
     }).then(this, [this, scanner, weakGame](ScanResult result) {
         // A scan that is already over when the continuation is attached would otherwise finish
@@ -187,6 +190,7 @@ void Model::finishScan(const std::shared_ptr<Scanner> &scanner, ScanResult resul
     if (!result.root)
         return;
 
+    m_bigFiles = std::move(result.bigFiles);
     setRoot(result.root);
     setCurrent(result.root);
     setAdvice(std::move(result.advice));
@@ -315,6 +319,13 @@ std::vector<Tile> Model::tiles(int limit) const
     return makeTiles(m_current.get(), m_metric, limit);
 }
 
+std::vector<Tile> Model::rankedTiles(int limit) const
+{
+    if (!m_current)
+        return {};
+    return withBigFiles(tiles(limit), *m_current, m_bigFiles, m_metric, limit);
+}
+
 void Model::reveal(const std::string &path)
 {
     m_desktop->reveal(path);
@@ -340,6 +351,15 @@ bool Model::canSlay(std::string_view path) const
 bool Model::canSlay(const Node &node) const
 {
     return node.hasParent() && canSlay(node.path());
+}
+
+std::optional<Model::Pending> Model::slayRequest(const Tile &tile) const
+{
+    if (const NodePtr *node = tile.folder(); node && canSlay(**node))
+        return PendingFolder{*node};
+    if (const BigFile *file = tile.file(); file && canSlay(file->path))
+        return PendingFile{*file};
+    return std::nullopt;
 }
 
 bool Model::trash(const std::string &path, std::uint64_t bytes, Game &game, bool quiet)
@@ -401,7 +421,7 @@ void Model::startDying(const std::string &path, std::uint64_t bytes, std::functi
     setDying(Dying{path, Game::xpFor(bytes)});
     QTimer::singleShot(m_deathDuration, this, [this, path, onDone = std::move(onDone)] {
         onDone();
-        removeAdvice(path);
+        forget(path);
         setDying(std::nullopt);
         Q_EMIT changed();
     });
@@ -426,11 +446,10 @@ void Model::slayAll(const std::vector<Advice> &items, Game &game)
     game.slain(sizes, true);
     if (failures >= 1) {
         play(Sound::Sfx::denied());
-        setError(
-            QStringLiteral(
-                "%1 item%2 couldn't be moved to the Trash (the system or another app protects them).")
-                .arg(failures)
-                .arg(failures == 1 ? QString() : QStringLiteral("s")));
+        setError(QStringLiteral("%1 item%2 couldn't be moved to the Trash (the system or another "
+                                "app protects them).")
+                     .arg(failures)
+                     .arg(failures == 1 ? QString() : QStringLiteral("s")));
     }
     Q_EMIT changed();
 }
@@ -443,7 +462,13 @@ void Model::removeFromTree(const Advice &item)
         if (const NodePtr parent = node(Paths::parent(file->path)))
             parent->removeLooseFile(file->size);
     }
-    removeAdvice(item.path);
+    forget(item.path);
+}
+
+void Model::forget(std::string_view under)
+{
+    std::erase_if(m_bigFiles, [under](const BigFile &f) { return Paths::isUnder(f.path, under); });
+    removeAdvice(under);
 }
 
 void Model::detach(const NodePtr &node)

@@ -77,6 +77,8 @@ public:
     [[nodiscard]] Mode mode() const { return m_mode; }
     [[nodiscard]] const std::optional<Tile> &hovered() const { return m_hovered; }
     [[nodiscard]] const std::vector<Advice> &advice() const { return m_advice; }
+    // The scan's big files still on disk as far as the session knows.
+    [[nodiscard]] const std::vector<BigFile> &bigFiles() const { return m_bigFiles; }
     [[nodiscard]] const std::unordered_set<std::string> &bountyPaths() const
     {
         return m_bountyPaths;
@@ -114,6 +116,8 @@ public:
     [[nodiscard]] bool isDying(std::string_view path) const;
     [[nodiscard]] std::vector<Advice> adviceUnder(std::string_view path) const;
     [[nodiscard]] std::vector<Tile> tiles(int limit) const;
+    // The tiles with `current`'s own big files listed before the loose files.
+    [[nodiscard]] std::vector<Tile> rankedTiles(int limit) const;
 
     void reveal(const std::string &path);
     void openTrash();
@@ -121,6 +125,8 @@ public:
     // Slaying: moving a folder, a big file or a batch of recommendations to the Trash.
     [[nodiscard]] bool canSlay(std::string_view path) const;
     [[nodiscard]] bool canSlay(const Node &node) const;
+    // The confirmation a tile's slay asks for; nullopt when the tile may not be slain.
+    [[nodiscard]] std::optional<Pending> slayRequest(const Tile &tile) const;
     void slay(const NodePtr &node, Game &game);
     void slay(const BigFile &file, Game &game);
     void slayAll(const std::vector<Advice> &items, Game &game);
@@ -157,6 +163,7 @@ private:
     struct ScanResult
     {
         NodePtr root;
+        std::vector<BigFile> bigFiles;
         std::vector<Advice> advice;
     };
 
@@ -171,6 +178,7 @@ private:
     bool trash(const std::string &path, std::uint64_t bytes, Game &game, bool quiet);
     void startDying(const std::string &path, std::uint64_t bytes, std::function<void()> onDone);
     void removeFromTree(const Advice &item);
+    void forget(std::string_view under);
     void detach(const NodePtr &node);
     void setDying(std::optional<Dying> dying);
 
@@ -183,6 +191,7 @@ private:
     Mode m_mode = Mode::map;
     std::optional<Tile> m_hovered;
     std::vector<Advice> m_advice;
+    std::vector<BigFile> m_bigFiles;
     std::unordered_set<std::string> m_bountyPaths;
     std::optional<Pending> m_pending;
     std::optional<Dying> m_dying;

@@ -27,7 +27,7 @@ double Metrics::looseValueOf(Metric m, const Node &node)
 QString Metrics::format(Metric m, double value)
 {
     if (m == Metric::files)
-        return Fmt::count(static_cast<std::int64_t>(std::trunc(value))) + QStringLiteral(" files");
+        return Fmt::files(static_cast<std::int64_t>(std::trunc(value)));
     return Fmt::bytes(value <= 0 ? 0 : static_cast<std::uint64_t>(value));
 }
 
@@ -77,5 +77,49 @@ std::vector<Tile> makeTiles(const Node *current, Metric metric, int limit)
     const double loose = Metrics::looseValueOf(metric, *current);
     if (loose > 0)
         tiles.push_back({Tile::looseId, Tile::Loose{}, "Loose files", loose});
+    return tiles;
+}
+
+std::string Tile::path() const
+{
+    if (const NodePtr *node = folder())
+        return (*node)->path();
+    if (const BigFile *f = file())
+        return f->path;
+    return {};
+}
+
+std::vector<Tile> withBigFiles(std::vector<Tile> tiles, const Node &current,
+                               const std::vector<BigFile> &bigFiles, Metric metric, int limit)
+{
+    const std::string folder = current.path();
+    std::vector<const BigFile *> own;
+    for (const BigFile &f : bigFiles)
+        if (Paths::parent(f.path) == folder)
+            own.push_back(&f);
+    std::stable_sort(own.begin(), own.end(),
+                     [](const BigFile *a, const BigFile *b) { return a->size > b->size; });
+    own.resize(std::min(own.size(), static_cast<std::size_t>(std::max(limit, 0))));
+    if (own.empty())
+        return tiles;
+
+    const auto loose = std::find_if(tiles.begin(), tiles.end(),
+                                    [](const Tile &t) { return t.id == Tile::looseId; });
+    double rest = loose == tiles.end() ? 0 : loose->value;
+    std::vector<Tile> files;
+    for (const BigFile *f : own) {
+        const double value = metric == Metric::size ? static_cast<double>(f->size) : 1.0;
+        rest -= value;
+        files.push_back({std::string(1, '\0') + "file/" + std::string(f->name()), Tile::File{*f},
+                         std::string(f->name()), value});
+    }
+    // The tree may have lost loose files the list still names (another program's doing): the
+    // remainder never goes below zero.
+    const auto at = tiles.erase(std::remove_if(tiles.begin(), tiles.end(),
+                                               [](const Tile &t) { return t.id == Tile::looseId; }),
+                                tiles.end());
+    tiles.insert(at, files.begin(), files.end());
+    if (rest > 0)
+        tiles.push_back({Tile::looseId, Tile::Loose{}, "Loose files", rest});
     return tiles;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "scan/BigFile.h"
 #include "scan/Node.h"
 
 #include <QString>
@@ -27,7 +28,7 @@ inline constexpr std::array<Mode, 3> all = {Mode::map, Mode::ranking, Mode::boun
 } // namespace Modes
 
 // One cell of the current level: a sub-folder, the aggregate of the folders beyond the display
-// limit, or the folder's own loose files.
+// limit, the folder's own loose files, or (in the ranking only) one of its big files.
 struct Tile
 {
     struct Folder
@@ -44,7 +45,12 @@ struct Tile
     {
         bool operator==(const Loose &) const = default;
     };
-    using Kind = std::variant<Folder, Other, Loose>;
+    struct File
+    {
+        BigFile file;
+        bool operator==(const File &) const = default;
+    };
+    using Kind = std::variant<Folder, Other, Loose, File>;
 
     std::string id; // the folder's name, or NUL + "other" / NUL + "loose"
     Kind kind;
@@ -59,8 +65,20 @@ struct Tile
         const auto *f = std::get_if<Folder>(&kind);
         return f ? &f->node : nullptr;
     }
+    [[nodiscard]] const BigFile *file() const
+    {
+        const auto *f = std::get_if<File>(&kind);
+        return f ? &f->file : nullptr;
+    }
+    // The folder's or file's path; empty for the aggregates.
+    [[nodiscard]] std::string path() const;
     bool operator==(const Tile &) const = default;
 };
 
 // The ordered tiles of `current` under `metric`, at most `limit` folders shown on their own.
 [[nodiscard]] std::vector<Tile> makeTiles(const Node *current, Metric metric, int limit);
+// The same tiles with the biggest `limit` of `current`'s own big files listed before the loose
+// files, which then stand for the rest of them.
+[[nodiscard]] std::vector<Tile> withBigFiles(std::vector<Tile> tiles, const Node &current,
+                                             const std::vector<BigFile> &bigFiles, Metric metric,
+                                             int limit);

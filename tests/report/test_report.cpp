@@ -146,7 +146,7 @@ private Q_SLOTS:
         QVERIFY(text.contains(" x\\x1B]0;pwned\\x07\\x1B[2J "));
         QVERIFY(text.contains(" evil\\u202Egpj.exe "));
         QVERIFY(text.contains(" a\\rb\\nc "));
-        QCOMPARE(text.count(" files\n"), 3); // one row each
+        QCOMPARE(text.count(" 1 file\n"), 3); // one row each
     }
 
     void depthLimitsChildren()
@@ -163,6 +163,32 @@ private Q_SLOTS:
         QCOMPARE(one["children"].toArray().size(), 3);
         QVERIFY(!one["children"].toArray().at(0).toObject().contains(QStringLiteral("children")));
         QCOMPARE(childrenAt(2)["children"].toArray().at(0)["children"].toArray().size(), 2);
+
+        // The text tree too: one level unless told, nested rows indented under their folder.
+        const Report::Input input{root, scanner.bigFiles(), {}, {}};
+        const auto text = [&](std::optional<int> depth) {
+            return QString::fromStdString(Report::text(input, depth));
+        };
+        QVERIFY(!text(0).contains(QStringLiteral("Territories")));
+        QCOMPARE(text(std::nullopt), text(1));
+        QVERIFY(text(1).contains(QStringLiteral(" a ")) &&
+                !text(1).contains(QStringLiteral("deep")));
+        const QStringList two = text(2).split(QLatin1Char('\n'));
+        const auto rowOf = [&](const QString &name) {
+            return std::find_if(two.begin(), two.end(),
+                                [&](const QString &l) {
+                                    return l.contains(QLatin1Char(' ') + name + QLatin1Char(' '));
+                                }) -
+                   two.begin();
+        };
+        QCOMPARE(rowOf(QStringLiteral("deep")),
+                 rowOf(QStringLiteral("a")) + 2); // after __pycache__
+        QVERIFY(two[rowOf(QStringLiteral("a"))].endsWith(QStringLiteral(" 2 files")));
+
+        // Big files, biggest first, each with its size and whole path.
+        const QString big = text(1).section(QStringLiteral("\nBig files\n"), 1);
+        QCOMPARE(big.count(QStringLiteral(" MB  ")), 2);
+        QVERIFY(big.contains(QFile::decodeName(tree()) + QStringLiteral("/big\n")));
     }
 
     // Every spelling of a folder, and one whose name is not UTF-8, reports the same clean path.

@@ -99,6 +99,51 @@ private Q_SLOTS:
         QVERIFY(makeTiles(level({}).get(), Metric::size, 100).empty());
         QVERIFY(makeTiles(nullptr, Metric::size, 100).empty());
     }
+
+    // The ranking lists the folder's own big files, biggest first, before what is left of the
+    // loose files; files elsewhere and files beyond the limit stay in their aggregates.
+    void bigFilesComeBeforeTheRestOfTheLooseFiles_data()
+    {
+        QTest::addColumn<int>("metric");
+        QTest::addColumn<std::uint64_t>("looseBytes");
+        QTest::addColumn<int>("limit");
+        QTest::addColumn<QStringList>("names");
+        QTest::addColumn<double>("looseValue"); // 0: no loose tile
+        QTest::newRow("bytes") << int(Metric::size) << std::uint64_t(100'000'000) << 100
+                               << QStringList{"f0", "b.mkv", "a.iso", "Loose files"} << 20e6;
+        QTest::newRow("files") << int(Metric::files) << std::uint64_t(100'000'000) << 100
+                               << QStringList{"f0", "b.mkv", "a.iso", "Loose files"} << 2.0;
+        QTest::newRow("limit") << int(Metric::size) << std::uint64_t(100'000'000) << 1
+                               << QStringList{"f0", "b.mkv", "Loose files"} << 50e6;
+        QTest::newRow("nothing left") << int(Metric::size) << std::uint64_t(80'000'000) << 100
+                                      << QStringList{"f0", "b.mkv", "a.iso"} << 0.0;
+        QTest::newRow("tree lost them") << int(Metric::size) << std::uint64_t(1'000) << 100
+                                        << QStringList{"f0", "b.mkv", "a.iso"} << 0.0;
+    }
+
+    void bigFilesComeBeforeTheRestOfTheLooseFiles()
+    {
+        QFETCH(int, metric);
+        QFETCH(std::uint64_t, looseBytes);
+        QFETCH(int, limit);
+        QFETCH(QStringList, names);
+        QFETCH(double, looseValue);
+        const NodePtr current = level({{500'000'000, 1}}, looseBytes, 4);
+        current->setBasePath("/r");
+        const std::vector<BigFile> files = {{"/r/a.iso", 30'000'000, 0},
+                                            {"/r/f0/inside.bin", 400'000'000, 0},
+                                            {"/r/b.mkv", 50'000'000, 0},
+                                            {"/elsewhere/c.iso", 90'000'000, 0}};
+        const auto m = Metric(metric);
+        const std::vector<Tile> tiles =
+            withBigFiles(makeTiles(current.get(), m, 100), *current, files, m, limit);
+        QCOMPARE(::names(tiles), names);
+        QCOMPARE(tiles[1].file()->path, std::string("/r/b.mkv"));
+        QCOMPARE(tiles[1].path(), std::string("/r/b.mkv"));
+        QCOMPARE(tiles[1].value, m == Metric::size ? 50e6 : 1.0);
+        QVERIFY(tiles[1].id != tiles[1].name && tiles[1].id != Tile::looseId);
+        QCOMPARE(tiles.back().id == Tile::looseId ? tiles.back().value : 0.0, looseValue);
+    }
 };
 
 DUSTMERE_TEST_MAIN(TestTiles)

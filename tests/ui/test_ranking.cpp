@@ -7,6 +7,7 @@
 #include "ui/screens/RankingView.h"
 #include "ui/screens/TileMenu.h"
 
+#include <QClipboard>
 #include <QGraphicsOpacityEffect>
 #include <QImage>
 #include <QScrollBar>
@@ -63,6 +64,22 @@ QByteArray makeTallTree()
             makeDir(r + "/f0/sub" + QByteArray::number(i));
             makeFile(r + "/f0/sub" + QByteArray::number(i) + "/data", 100);
         }
+        return r;
+    }();
+    return root;
+}
+
+// A folder, two big files and one small one beside it.
+QByteArray makeFilesTree()
+{
+    static const QByteArray root = [] {
+        const QByteArray r = sandboxPath("files");
+        makeDir(r);
+        makeDir(r + "/sub");
+        makeFile(r + "/sub/x", 4096);
+        makeFile(r + "/video.mkv", 40 * MB);
+        makeFile(r + "/clip.mp4", 26 * MB);
+        makeFile(r + "/note", MB);
         return r;
     }();
     return root;
@@ -306,15 +323,95 @@ private Q_SLOTS:
             QCOMPARE(view.tiles().front().name, std::string("f39"));
         }
         QVERIFY(bar->maximum() > 0);
-        QCOMPARE(bar->value(), 0);
-        QCOMPARE(QApplication::focusWidget(), &view);
-
-        // Tabbing on reaches the new first row, still without moving the list.
-        QTest::keyClick(&view, Qt::Key_Tab);
+        // The selection moves to the new first row, still without moving the list.
         QCOMPARE(QApplication::focusWidget(), view.row(0));
         QCOMPARE(bar->value(), 0);
         QTest::qWait(20); // the old rows are deleted on a later turn of the loop
         QCOMPARE(bar->value(), 0);
+    }
+
+    // Up/Down/Home/End select, Return enters, Backspace and Alt+Up come back to the folder left,
+    // Delete asks to slay, the menu key and Shift+F10 open the tile menu.
+    void theListWorksFromTheKeyboard()
+    {
+        QVERIFY(m_s->scan(makeTallTree()));
+        Model &model = *m_s->model;
+        model.setMetric(Metric::files);
+        RankingView view(model, *m_s->game);
+        view.resize(800, 400);
+        view.show();
+        view.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&view));
+        const auto f0 = int(std::find_if(view.tiles().begin(), view.tiles().end(),
+                                         [](const Tile &t) { return t.name == "f0"; }) -
+                            view.tiles().begin());
+        QVERIFY(f0 > 3);
+
+        view.setFocus();
+        for (const auto &[key, modifiers, expected] :
+             {std::tuple{Qt::Key_Down, Qt::NoModifier, 0},
+              {Qt::Key_Down, Qt::NoModifier, 1},
+              {Qt::Key_Up, Qt::NoModifier, 0},
+              {Qt::Key_Up, Qt::NoModifier, 0},
+              {Qt::Key_End, Qt::NoModifier, int(view.tiles().size()) - 1},
+              {Qt::Key_Home, Qt::NoModifier, 0}}) {
+            QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+            QCOMPARE(view.selected(), std::optional(expected));
+        }
+        view.select(f0);
+        QTest::keyClick(view.row(f0), Qt::Key_Return);
+        QCOMPARE(model.current(), m_s->at("f0"));
+        QTRY_COMPARE(view.selected(), std::optional(0));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Up, Qt::AltModifier);
+        QCOMPARE(model.current(), model.root());
+        QTRY_COMPARE(view.selected(), std::optional(f0));
+        QTest::keyClick(view.row(f0), Qt::Key_Return);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backspace);
+        QCOMPARE(model.current(), model.root());
+
+        QTRY_COMPARE(view.selected(), std::optional(f0));
+        QTest::keyClick(view.row(f0), Qt::Key_Delete);
+        QCOMPARE(std::get<Model::PendingFolder>(model.pending().value()).node, m_s->at("f0"));
+        for (const auto &[key, modifiers] :
+             {std::pair{Qt::Key_Menu, Qt::NoModifier}, {Qt::Key_F10, Qt::ShiftModifier}}) {
+            QTest::keyClick(view.row(f0), key, modifiers);
+            auto *menu = qobject_cast<TileMenu *>(QApplication::activePopupWidget());
+            QVERIFY(menu);
+            QCOMPARE(menu->tile().name, std::string("f0"));
+            menu->close();
+        }
+    }
+
+    // A folder's own big files are ranked after its folders, each a monster of its bytes that
+    // can be revealed, copied and slain; the loose files stand for the rest.
+    void bigFilesAreListedAndSlain()
+    {
+        QVERIFY(m_s->scan(makeFilesTree()));
+        Model &model = *m_s->model;
+        model.setDeathDuration(std::chrono::milliseconds(10));
+        RankingView view(model, *m_s->game);
+        view.resize(800, 400);
+        QCOMPARE(names(view.tiles()), QStringList({"sub", "video.mkv", "clip.mp4", "Loose files"}));
+        RankRow *video = view.row(1);
+        const BigFile file = *video->tile().file();
+        QCOMPARE(video->accessibleName(),
+                 QStringLiteral("Rank 2, video.mkv, ") + Fmt::bytes(file.size));
+        QCOMPARE(video->tier(), Tiers::ofBytes(file.size));
+        const std::uint64_t loose = model.root()->looseSize();
+        QCOMPARE(view.tiles().back().value,
+                 double(loose - file.size - view.tiles()[2].file()->size));
+
+        TileMenu menu(model, *m_s->game, video->tile());
+        QCOMPARE(texts(menu), QStringList({"Reveal in File Manager", "Copy Path", "—",
+                                           "⚔️ Slay (Move to Trash)…"}));
+        menu.actions()[1]->trigger();
+        QCOMPARE(QGuiApplication::clipboard()->text(), QFile::decodeName(file.path.c_str()));
+        QTest::keyClick(video, Qt::Key_Delete);
+        QCOMPARE(std::get<Model::PendingFile>(model.pending().value()).file, file);
+        model.slay(file, *m_s->game);
+        QTRY_COMPARE(names(view.tiles()), QStringList({"sub", "clip.mp4", "Loose files"}));
+        QCOMPARE(model.root()->looseSize(), loose - file.size);
+        QCOMPARE(m_s->trashed->back(), file.path);
     }
 
     void aDyingRowFadesAndSlidesThenLeaves()

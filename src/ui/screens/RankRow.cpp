@@ -5,6 +5,7 @@
 #include "platform/Emoji.h"
 #include "platform/Spring.h"
 #include "platform/TabularDigits.h"
+#include "scan/Fmt.h"
 #include "session/Model.h"
 #include "ui/screens/Meter.h"
 #include "ui/screens/TextStyle.h"
@@ -20,6 +21,7 @@ namespace {
 
 constexpr int glyphSize = 24;
 constexpr double emojiPixels = 18;
+constexpr double fileBadgePixels = 11;
 constexpr int deathMs = 500;
 
 } // namespace
@@ -51,6 +53,8 @@ RankRow::RankRow(Model &model, Game &game, int rank, Tile tile, double fraction,
 
 std::optional<Tier> RankRow::tier() const
 {
+    if (const BigFile *file = m_tile.file())
+        return Tiers::ofBytes(file->size);
     if (!m_tile.folder())
         return std::nullopt;
     const auto measure =
@@ -123,15 +127,26 @@ void RankRow::activate()
         m_model.play(Sound::Sfx::denied());
 }
 
+void RankRow::requestSlay()
+{
+    if (const auto pending = m_model.slayRequest(m_tile))
+        m_model.setPending(*pending);
+    else
+        m_model.play(Sound::Sfx::denied());
+}
+
 QString RankRow::valueText() const
 {
+    // A file is one file whatever the metric; its bytes say more.
+    if (const BigFile *file = m_tile.file())
+        return Fmt::bytes(file->size);
     return Metrics::format(m_model.metric(), m_tile.value);
 }
 
 void RankRow::refreshDying()
 {
-    const NodePtr *node = m_tile.folder();
-    const bool dying = node && m_model.isDying((*node)->path());
+    const std::string path = m_tile.path();
+    const bool dying = !path.empty() && m_model.isDying(path);
     // A death ends with the item gone: the row keeps its last look until the list drops it.
     if (dying == m_dying || !dying)
         return;
@@ -231,6 +246,10 @@ void RankRow::paintEvent(QPaintEvent *)
     } else if (const auto t = tier()) {
         const double s = glyphSize * m_iconScale;
         MonsterArt::draw(p, *t, QRectF(centre.x() - s / 2, centre.y() - s / 2, s, s));
+        // A file's monster carries a page, so it is not taken for a folder's.
+        if (m_tile.file())
+            Emoji::drawCentered(p, QStringLiteral("📄"), centre + QPointF(s / 2 - 2, s / 2 - 4),
+                                fileBadgePixels);
     } else {
         Emoji::drawCentered(p, QStringLiteral("📄"), centre, emojiPixels * m_iconScale);
     }
@@ -277,34 +296,41 @@ void RankRow::mouseReleaseEvent(QMouseEvent *event)
 
 void RankRow::keyPressEvent(QKeyEvent *event)
 {
-    switch (event->key()) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-    case Qt::Key_Space:
+    const int key = event->key();
+    if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space) {
         activate();
-        return;
-    default:
+    } else if (key == Qt::Key_Delete) {
+        requestSlay();
+    } else if (key == Qt::Key_Menu ||
+               (key == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier)) {
+        // Under the name, where a pointer's menu would open.
+        openMenu(mapToGlobal(QPoint(padX + placeWidth + gap + iconWidth + gap, height())));
+    } else {
         QWidget::keyPressEvent(event);
     }
 }
 
 void RankRow::contextMenuEvent(QContextMenuEvent *event)
 {
+    openMenu(event->globalPos());
+}
+
+void RankRow::openMenu(const QPoint &globalPos)
+{
     // Not modal and not owned by the row: the list may drop the row while the menu is open.
-    auto *menu = new TileMenu(m_model, m_game, m_tile);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    if (menu->isEmpty()) {
-        delete menu;
+    auto menu = std::make_unique<TileMenu>(m_model, m_game, m_tile);
+    if (menu->isEmpty())
         return;
-    }
-    menu->popup(event->globalPos());
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu.release()->popup(globalPos);
 }
 
 void RankRow::focusInEvent(QFocusEvent *event)
 {
     // The ring is for keyboard users; a window that hands focus on by itself shows none.
-    m_focusRing =
-        event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    m_focusRing = event->reason() == Qt::TabFocusReason ||
+                  event->reason() == Qt::BacktabFocusReason ||
+                  event->reason() == Qt::ShortcutFocusReason;
     update();
     QWidget::focusInEvent(event);
 }

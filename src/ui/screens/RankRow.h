@@ -15,7 +15,8 @@ class Model;
 class QGraphicsOpacityEffect;
 
 // One ranked tile: place, monster, name, a bar proportional to the value, and the value. Hovering
-// growls, clicking a folder enters it, the context menu offers the tile's actions.
+// growls, clicking a folder enters it, the context menu (menu key, Shift+F10) offers the tile's
+// actions and Delete asks to slay it.
 class RankRow : public QWidget
 {
     Q_OBJECT
@@ -42,7 +43,8 @@ public:
     [[nodiscard]] bool dying() const { return m_dying; }
     [[nodiscard]] double iconScale() const { return m_iconScale; }
     [[nodiscard]] Meter *meter() const { return m_meter; }
-    // The monster of the tile under the active metric; only folders have one.
+    // The monster of the tile under the active metric; folders and big files have one (a file's
+    // is always by its bytes).
     [[nodiscard]] std::optional<Tier> tier() const;
     [[nodiscard]] static QString placeText(int rank);
     [[nodiscard]] static int growDelayMs(int rank);
@@ -54,6 +56,9 @@ public:
     void setReduceMotion(bool on);
     // Runs the tile's click: enter a folder that has sub-folders, else refuse.
     void activate();
+    // Asks for the confirmation of slaying the tile, or refuses.
+    void requestSlay();
+    void openMenu(const QPoint &globalPos);
 
     [[nodiscard]] QSize sizeHint() const override { return {600, rowHeight}; }
 

@@ -5,6 +5,7 @@
 #include "ui/screens/RankRow.h"
 
 #include <QEvent>
+#include <QKeyEvent>
 #include <QScrollBar>
 #include <QTimer>
 #include <algorithm>
@@ -22,7 +23,11 @@ RankingView::RankingView(Model &model, Game &game, QWidget *parent)
     viewport()->setAutoFillBackground(false);
     setAccessibleName(tr("Ranking"));
 
-    connect(&m_model, &Model::currentChanged, this, [this] { invalidate(true); });
+    connect(&m_model, &Model::currentChanged, this, [this] {
+        m_cameFrom = m_level;
+        m_level = m_model.current();
+        invalidate(true);
+    });
     connect(&m_model, &Model::rootChanged, this, [this] { invalidate(true); });
     // A new metric re-sorts everything and runs the grow-in again, so every row starts afresh.
     connect(&m_model, &Model::metricChanged, this, [this] { invalidate(true); });
@@ -67,7 +72,7 @@ void RankingView::rebuildIfStale()
     if (!m_stale)
         return;
     m_stale = false;
-    m_tiles = m_model.tiles(limit);
+    m_tiles = m_model.rankedTiles(limit);
     m_top = m_tiles.empty() || m_tiles.front().value <= 0 ? 1.0 : m_tiles.front().value;
 
     // Rows whose tile is still listed keep their state; the rest go.
@@ -94,6 +99,27 @@ void RankingView::rebuildIfStale()
     for (auto &[id, row] : kept)
         retire(row);
     placeRows();
+    restoreSelection();
+}
+
+void RankingView::restoreSelection()
+{
+    const std::optional<int> from = std::exchange(m_refocus, std::nullopt);
+    if (!from || !hasFocus() || m_tiles.empty())
+        return;
+    // Up a level, the folder just left is selected; down one, the first row.
+    if (const NodePtr cameFrom = m_cameFrom.lock();
+        cameFrom && cameFrom->parent() == m_level.lock()) {
+        const auto found = std::find_if(m_tiles.begin(), m_tiles.end(), [&](const Tile &t) {
+            const NodePtr *node = t.folder();
+            return node && *node == cameFrom;
+        });
+        if (found != m_tiles.end()) {
+            select(int(found - m_tiles.begin()));
+            return;
+        }
+    }
+    select(std::min(*from, int(m_tiles.size()) - 1));
 }
 
 void RankingView::retire(RankRow *row)
@@ -101,8 +127,10 @@ void RankingView::retire(RankRow *row)
     // Hiding a focused row hands the focus to the next one, which scrolls the list to itself: down
     // the whole column when every row goes. The list keeps the focus instead.
     const QWidget *focused = row->window()->focusWidget();
-    if (focused && (focused == row || row->isAncestorOf(focused)))
+    if (focused && (focused == row || row->isAncestorOf(focused))) {
         setFocus(Qt::OtherFocusReason);
+        m_refocus = m_freshRows ? 0 : row->rank() - 1;
+    }
     row->hide();
     row->deleteLater();
 }
@@ -181,10 +209,66 @@ void RankingView::showEvent(QShowEvent *event)
     placeRows();
 }
 
+void RankingView::select(int index)
+{
+    if (RankRow *r = row(index)) {
+        r->setFocus(Qt::ShortcutFocusReason);
+        ensureWidgetVisible(r, 0, padding);
+    }
+}
+
+std::optional<int> RankingView::selected() const
+{
+    for (std::size_t i = 0; i < m_rows.size(); ++i)
+        if (m_rows[i] && m_rows[i]->hasFocus())
+            return int(i);
+    return std::nullopt;
+}
+
+bool RankingView::navigate(const QKeyEvent &event, std::optional<int> from)
+{
+    const int last = int(tiles().size()) - 1;
+    const int page = std::max(1, viewport()->height() / (RankRow::rowHeight + spacing));
+    const int key = event.key();
+    if (key == Qt::Key_Backspace || (key == Qt::Key_Up && event.modifiers() == Qt::AltModifier)) {
+        m_model.up();
+        return true;
+    }
+    if (event.modifiers() & ~Qt::KeypadModifier)
+        return false;
+    std::optional<int> to;
+    if (key == Qt::Key_Down)
+        to = from ? *from + 1 : 0;
+    else if (key == Qt::Key_Up)
+        to = from ? *from - 1 : last;
+    else if (key == Qt::Key_PageDown)
+        to = from.value_or(0) + page;
+    else if (key == Qt::Key_PageUp)
+        to = from.value_or(0) - page;
+    else if (key == Qt::Key_Home)
+        to = 0;
+    else if (key == Qt::Key_End)
+        to = last;
+    if (!to)
+        return false;
+    if (last >= 0)
+        select(std::clamp(*to, 0, last));
+    return true;
+}
+
+void RankingView::keyPressEvent(QKeyEvent *event)
+{
+    if (!navigate(*event, std::nullopt))
+        QScrollArea::keyPressEvent(event);
+}
+
 bool RankingView::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::FocusIn)
-        if (auto *row = qobject_cast<RankRow *>(watched))
-            ensureWidgetVisible(row, 0, padding);
+    auto *row = qobject_cast<RankRow *>(watched);
+    if (row && event->type() == QEvent::FocusIn)
+        ensureWidgetVisible(row, 0, padding);
+    if (row && event->type() == QEvent::KeyPress &&
+        navigate(*static_cast<QKeyEvent *>(event), row->rank() - 1))
+        return true;
     return QScrollArea::eventFilter(watched, event);
 }

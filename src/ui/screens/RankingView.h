@@ -4,13 +4,16 @@
 
 #include <QPointer>
 #include <QScrollArea>
+#include <memory>
+#include <optional>
 #include <vector>
 
 class Game;
 class Model;
 class RankRow;
 
-// The tiles of the current folder as ranked rows, largest first.
+// The tiles of the current folder as ranked rows, largest first, then its own big files.
+// From the keyboard: Up/Down/Home/End select a row, Backspace or Alt+Up goes up a level.
 //
 // Rows are widgets placed by hand in a column whose height is known up front (every row has the
 // same height), and a row is only created when it scrolls near the viewport. A widget per row
@@ -37,11 +40,16 @@ public:
     // Rows that exist right now (those that came near the viewport).
     [[nodiscard]] int createdRows() const;
     [[nodiscard]] static QRect rowRect(int index, int width);
+    // Gives the row of a rank the keyboard focus, scrolled into view.
+    void select(int index);
+    // The rank index of the focused row; nullopt when no row has focus.
+    [[nodiscard]] std::optional<int> selected() const;
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
     void showEvent(QShowEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     void invalidate(bool freshRows);
@@ -51,6 +59,9 @@ private:
     void materialize(int from, int to);
     void materializeVisible();
     [[nodiscard]] double fractionOf(const Tile &tile) const;
+    // Moves the selection for a key; false when the key is not the list's.
+    bool navigate(const QKeyEvent &event, std::optional<int> from);
+    void restoreSelection();
 
     Model &m_model;
     Game &m_game;
@@ -62,4 +73,8 @@ private:
     bool m_freshRows = true;
     bool m_scheduled = false;
     bool m_reduceMotion = false;
+    // Where the keyboard selection goes when its row is rebuilt away.
+    std::optional<int> m_refocus;
+    std::weak_ptr<Node> m_level;
+    std::weak_ptr<Node> m_cameFrom;
 };

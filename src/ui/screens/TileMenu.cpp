@@ -1,8 +1,14 @@
 #include "ui/screens/TileMenu.h"
 
 #include "game/Game.h"
+#include "platform/Desktop.h"
 #include "session/Model.h"
 #include "ui/screens/EmojiMenuStyle.h"
+
+#include <QClipboard>
+#include <QFile>
+#include <QGuiApplication>
+#include <QMimeData>
 
 TileMenu::TileMenu(Model &model, Game &game, Tile tile, QWidget *parent)
     : QMenu(parent), m_model(model), m_game(game), m_tile(std::move(tile))
@@ -12,6 +18,8 @@ TileMenu::TileMenu(Model &model, Game &game, Tile tile, QWidget *parent)
     setStyle(style);
     if (const NodePtr *node = m_tile.folder()) {
         addFolderItems(*node);
+    } else if (const BigFile *file = m_tile.file()) {
+        addFileItems(*file);
     } else if (m_model.current()) {
         addAction(tr("Reveal Folder in File Manager"), this, [this] {
             if (const NodePtr &current = m_model.current())
@@ -26,10 +34,27 @@ void TileMenu::addFolderItems(const NodePtr &node)
     open->setEnabled(!node->children().empty());
     addAction(tr("Show on Map"), this, [this, node] { m_model.show(node, m_game); });
     addAction(tr("Reveal in File Manager"), this, [this, node] { m_model.reveal(node->path()); });
-    if (m_model.canSlay(*node)) {
-        addSeparator();
-        const QString slay = tr("⚔️ Slay (Move to Trash)…");
-        addAction(EmojiMenuStyle::icon(EmojiMenuStyle::leadingEmoji(slay)), slay, this,
-                  [this, node] { m_model.setPending(Model::PendingFolder{node}); });
-    }
+    if (const auto pending = m_model.slayRequest(m_tile))
+        addSlay(*pending);
+}
+
+void TileMenu::addFileItems(const BigFile &file)
+{
+    addAction(tr("Reveal in File Manager"), this, [this, file] { m_model.reveal(file.path); });
+    addAction(tr("Copy Path"), this, [file] {
+        auto data = std::make_unique<QMimeData>();
+        data->setText(QFile::decodeName(QByteArray::fromStdString(file.path)));
+        data->setUrls({Desktop::fileUrl(file.path)});
+        QGuiApplication::clipboard()->setMimeData(data.release());
+    });
+    if (const auto pending = m_model.slayRequest(m_tile))
+        addSlay(*pending);
+}
+
+void TileMenu::addSlay(Model::Pending pending)
+{
+    addSeparator();
+    const QString slay = tr("⚔️ Slay (Move to Trash)…");
+    addAction(EmojiMenuStyle::icon(EmojiMenuStyle::leadingEmoji(slay)), slay, this,
+              [this, pending] { m_model.setPending(pending); });
 }
