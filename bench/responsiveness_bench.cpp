@@ -11,6 +11,7 @@
 
 #include "game/Game.h"
 #include "magic/Magic.h"
+#include "platform/Paths.h"
 #include "session/Model.h"
 #include "ui/MainWindow.h"
 
@@ -130,7 +131,7 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "usage: responsiveness_bench FOLDER\n");
         return 2;
     }
-    const QString folder = QDir(QString::fromLocal8Bit(argv[1])).absolutePath();
+    const std::string folder = Paths::absolute(argv[1], Paths::currentFolder());
     // The window reads and writes settings; keep them away from the user's.
     QTemporaryDir sandbox;
     for (const char *var : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
@@ -145,7 +146,9 @@ int main(int argc, char *argv[])
     options.play = [](const Sound::Sfx &) {};
     Game game(options);
     Magic magic;
-    MainWindow window(model, game, magic, {folder, false});
+    ContentView::Options start;
+    start.scanPath = folder;
+    MainWindow window(model, game, magic, start);
     window.resize(1440, 900);
     window.show();
 

@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <dirent.h>
 #include <fts.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -134,22 +133,17 @@ void Scanner::walkWithFts(const std::vector<NodePtr> &topLevel, const Mounts::Pa
 
 void Scanner::runWorkers(int count, const std::function<void()> &work) const
 {
-    // Plain threads rather than a Qt pool: they end with the walk (taking their niceness with
-    // them), and their synchronisation is visible to the thread sanitizer.
+    // Plain threads rather than a Qt pool: they end with the walk, and their synchronisation is
+    // visible to the thread sanitizer.
     std::vector<std::jthread> workers;
-    for (int i = 0; i < std::max(count, 1); ++i) {
-        workers.emplace_back([this, &work] {
-            enterWorker();
-            work();
-        });
-    }
+    for (int i = 0; i < std::max(count, 1); ++i)
+        workers.emplace_back(work);
 }
 
-void Scanner::enterWorker() const
+void Scanner::giveWay() const
 {
-    // Linux gives each thread its own niceness; the pool's threads end with the walk.
-    if (m_niceness != 0)
-        setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), m_niceness);
+    if (m_foreground && m_foreground->busy())
+        m_foreground->waitUntilIdle();
 }
 
 void Scanner::reportCompleted(const NodePtr &folder)
@@ -195,6 +189,7 @@ bool Scanner::scanSubtree(Node &node, const std::string &path)
     while (FTSENT *entry = fts_read(fts)) {
         switch (entry->fts_info) {
         case FTS_D: {
+            giveWay();
             Node *folder = &node;
             if (entry->fts_level != 0) {
                 Node *parent = stack.back();

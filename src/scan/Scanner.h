@@ -2,6 +2,7 @@
 
 #include "platform/Mounts.h"
 #include "scan/BigFile.h"
+#include "scan/Foreground.h"
 #include "scan/Node.h"
 
 #include <cstdint>
@@ -57,11 +58,15 @@ public:
         m_onFolderFinished = std::move(callback);
     }
     void setWalk(Walk walk) { m_walk = walk; }
-    // A niceness for the walking threads (0 leaves them as they are): behind a window, a higher
-    // one keeps the walk from taking the cores the interface needs to stay smooth.
-    void setWorkerNiceness(int niceness) { m_niceness = niceness; }
-    // Runs `work` on `count` new threads at the walk's niceness and returns when all are done.
+    // Behind a window: the walking threads wait while the interface works.
+    void setForeground(std::shared_ptr<Foreground> foreground)
+    {
+        m_foreground = std::move(foreground);
+    }
+    // Runs `work` on `count` new threads and returns when all are done.
     void runWorkers(int count, const std::function<void()> &work) const;
+    // Worker side, between folders: waits while the interface works.
+    void giveWay() const;
     [[nodiscard]] Walk walk() const { return m_walk; }
 
     // Worker side: a top-level folder whose subtree is finished, and big files found.
@@ -74,11 +79,10 @@ public:
     bool scanSubtree(Node &node, const std::string &path);
 
 private:
-    void enterWorker() const;
     void walkWithFts(const std::vector<NodePtr> &topLevel, const Mounts::PathSet &skipped);
 
     Walk m_walk = Walk::shared;
-    int m_niceness = 0;
+    std::shared_ptr<Foreground> m_foreground;
     mutable std::mutex m_lock;
     std::int64_t m_files = 0;
     std::uint64_t m_bytes = 0;

@@ -58,6 +58,7 @@ public:
                 continue;
             }
             m_walk.share(m_local);
+            m_walk.m_scanner.giveWay();
         }
         if (!m_walk.m_stopped.load(std::memory_order_relaxed))
             flush();

@@ -132,7 +132,10 @@ void Model::scan(Game &game)
 {
     stop();
     auto scanner = std::make_shared<Scanner>();
-    scanner->setWorkerNiceness(workerNiceness);
+    // The walk waits while this thread works, so the window stays smooth without a niceness
+    // that would starve the walk on a busy machine.
+    m_interface = std::make_unique<InterfaceWatch>();
+    scanner->setForeground(m_interface->foreground());
     m_scanner = scanner;
     const std::string path = m_scanPath;
 
@@ -185,6 +188,7 @@ void Model::finishScan(const std::shared_ptr<Scanner> &scanner, ScanResult resul
     // A stopped or replaced scan changes nothing.
     if (!m_scanner || m_scanner != scanner)
         return;
+    m_interface.reset();
     m_timer.stop();
     setScanning(false);
     if (!result.root)
@@ -221,6 +225,7 @@ void Model::stop()
         m_scanner->cancel();
         m_scanner.reset();
     }
+    m_interface.reset();
     m_timer.stop();
     setScanning(false);
 }

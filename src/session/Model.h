@@ -7,6 +7,7 @@
 #include "scan/BigFile.h"
 #include "scan/Node.h"
 #include "scan/Scanner.h"
+#include "session/InterfaceWatch.h"
 #include "session/Tile.h"
 #include "sound/Sfx.h"
 
@@ -62,8 +63,6 @@ public:
 
     static constexpr std::array<double, 5> zoomScales = {1.0, 1.5, 2.0, 3.0, 4.0};
     static constexpr int maxZoomLevel = 4;
-    // The scan's workers yield to the window, which has to paint while they walk.
-    static constexpr int workerNiceness = 19;
 
     explicit Model(QObject *parent = nullptr);
     ~Model() override;
@@ -199,6 +198,7 @@ private:
     std::vector<NodePtr> m_partial;
     int m_zoomLevel = 0;
     std::shared_ptr<Scanner> m_scanner;
+    std::unique_ptr<InterfaceWatch> m_interface; // while a scan runs
     QTimer m_timer;
 
     SoundPlayer m_play;

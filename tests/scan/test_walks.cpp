@@ -25,10 +25,12 @@ QByteArray sandboxPath(const char *sub)
     return QFile::encodeName(TestSandbox::instance()->root()) + '/' + sub;
 }
 
-NodePtr scanWith(Scanner::Walk walk, const QByteArray &path)
+NodePtr scanWith(Scanner::Walk walk, const QByteArray &path,
+                 std::shared_ptr<Foreground> foreground = nullptr)
 {
     Scanner scanner;
     scanner.setWalk(walk);
+    scanner.setForeground(std::move(foreground));
     return scanner.scan(path.toStdString());
 }
 
@@ -116,6 +118,26 @@ private Q_SLOTS:
         QCOMPARE(shared->child("b")->child("mnt")->size(), 0u);
         if (bound)
             QVERIFY(!shared->child("a")->child("sub")->child("deeper")->child("loop"));
+    }
+
+    // An interface that never goes to sleep holds each walker only so long, and the walk it slows
+    // builds the same tree.
+    void aBusyInterfaceSlowsTheWalkButNeverStopsIt()
+    {
+        const QByteArray tree = sandboxPath("behind a window");
+        makeDir(tree);
+        for (int i = 0; i < 12; ++i) {
+            makeDir(tree + "/d" + QByteArray::number(i));
+            makeDir(tree + "/d" + QByteArray::number(i) + "/inner");
+            makeFile(tree + "/d" + QByteArray::number(i) + "/inner/f", 4096 * (i + 1));
+        }
+        auto busy = std::make_shared<Foreground>();
+        busy->setBusy(true);
+        for (const auto walk : {Scanner::Walk::shared, Scanner::Walk::fts}) {
+            const NodePtr slowed = scanWith(walk, tree, busy);
+            QVERIFY(slowed);
+            compareTrees(*scanWith(walk, tree), *slowed);
+        }
     }
 
     void sameTreeForAnUnprivilegedUser()
