@@ -33,3 +33,38 @@ double AmbientGeometry::moteOpacity(const Mote &mote, double t)
     const double twinkle = (std::sin(mote.phase + 2 * t * mote.speed) + 1) / 2;
     return 0.25 + 0.6 * twinkle;
 }
+
+double AmbientGeometry::cloudTime(double t)
+{
+    return std::floor(t * cloudSteps) / cloudSteps;
+}
+
+namespace {
+
+void addArea(std::vector<QRect> &areas, const QRectF &ellipse, double blur)
+{
+    if (!ellipse.isEmpty())
+        areas.push_back(ellipse.adjusted(-blur, -blur, blur, blur).toAlignedRect());
+}
+
+} // namespace
+
+std::vector<QRect> AmbientGeometry::cloudAreas(double t, QSizeF size)
+{
+    std::vector<QRect> areas;
+    for (int c = 0; c < cloudCount; ++c)
+        addArea(areas, cloud(c, cloudTime(t), size), cloudBlur);
+    return areas;
+}
+
+std::vector<QRect> AmbientGeometry::moteAreas(const std::array<Mote, moteCount> &motes, double t,
+                                              QSizeF size)
+{
+    std::vector<QRect> areas;
+    const double half = moteDiameter / 2;
+    for (const Mote &m : motes) {
+        const QPointF centre = moteCentre(m, t, size);
+        addArea(areas, QRectF(centre.x() - half, centre.y() - half, 2 * half, 2 * half), moteBlur);
+    }
+    return areas;
+}

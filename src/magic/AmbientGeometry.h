@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QPointF>
+#include <QRect>
 #include <QRectF>
 #include <QSizeF>
 #include <array>
+#include <vector>
 
 // The drifting cloud shadows and twinkling motes over the map, as functions of time in seconds
 // and of the layer's size. Pure and the same on every run.
@@ -22,6 +24,9 @@ inline constexpr int moteCount = 22;
 inline constexpr double cloudBlur = 40;
 inline constexpr double moteDiameter = 5;
 inline constexpr double moteBlur = 2;
+// Clouds drift a few points a second under a soft edge: moved four times a second they look the
+// same and cost a fraction of the repaints.
+inline constexpr double cloudSteps = 4;
 
 [[nodiscard]] std::array<Mote, moteCount> motes();
 
@@ -29,5 +34,11 @@ inline constexpr double moteBlur = 2;
 [[nodiscard]] QRectF cloud(int c, double t, QSizeF size);
 [[nodiscard]] QPointF moteCentre(const Mote &mote, double t, QSizeF size);
 [[nodiscard]] double moteOpacity(const Mote &mote, double t);
+// The whole-pixel areas a frame at `t` paints, blur included: the clouds (which move in
+// cloudSteps, see cloudTime) and the motes.
+[[nodiscard]] std::vector<QRect> cloudAreas(double t, QSizeF size);
+[[nodiscard]] std::vector<QRect> moteAreas(const std::array<Mote, moteCount> &motes, double t,
+                                           QSizeF size);
+[[nodiscard]] double cloudTime(double t);
 
 } // namespace AmbientGeometry

@@ -1,3 +1,4 @@
+#include "magic/AmbientGeometry.h"
 #include "magic/Magic.h"
 #include "magic/ui/AmbientLayer.h"
 #include "magic/ui/ManaOrbs.h"
@@ -182,6 +183,37 @@ private Q_SLOTS:
         host.hide();
         calm.setReduceMotion(false);
         QVERIFY(!calm.animating()); // hidden layers never tick
+    }
+
+    // The layer repaints only the areas a frame reports: a pixel drawn outside them would be
+    // left behind as a trail on the map.
+    void aFrameDrawsOnlyWhereItSaysItDraws()
+    {
+        AmbientLayer layer(false);
+        const QSize size(800, 600);
+        const auto motes = AmbientGeometry::motes();
+        for (const double t : {0.0, 3.3, 61.7}) {
+            for (const bool dark : {false, true}) {
+                QImage frame(size, QImage::Format_ARGB32_Premultiplied);
+                frame.fill(Qt::transparent);
+                QPainter p(&frame);
+                layer.paintFrame(p, size, t, dark);
+                p.end();
+                QRegion areas;
+                for (const auto &list : {AmbientGeometry::cloudAreas(t, size),
+                                         AmbientGeometry::moteAreas(motes, t, size)})
+                    for (const QRect &r : list)
+                        areas += r;
+                int outside = 0;
+                for (int y = 0; y < size.height(); ++y)
+                    for (int x = 0; x < size.width(); ++x)
+                        outside += qAlpha(frame.pixel(x, y)) > 0 && !areas.contains(QPoint(x, y));
+                QCOMPARE(outside, 0);
+            }
+        }
+        // Clouds move in steps, so most frames leave them alone.
+        QCOMPARE(AmbientGeometry::cloudAreas(10.01, size), AmbientGeometry::cloudAreas(10.2, size));
+        QVERIFY(AmbientGeometry::cloudAreas(10.2, size) != AmbientGeometry::cloudAreas(10.3, size));
     }
 
     void effectsDrawFromTheHeroAndVanishWhenDone()

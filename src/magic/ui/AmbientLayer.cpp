@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int frameMs = 34; // at most 30 frames a second
+constexpr int frameMs = 66; // 15 frames a second: motes twinkle slowly
 const QColor warmMote = QColor::fromRgbF(1.0f, 0.9f, 0.45f);
 
 // A filled ellipse whose edge is softened over `blur` points on each side, centred on (0, 0).
@@ -51,7 +51,7 @@ AmbientLayer::AmbientLayer(bool reduceMotion, QWidget *parent)
     setAttribute(Qt::WA_NoSystemBackground);
     setFocusPolicy(Qt::NoFocus);
     m_frames.setInterval(frameMs);
-    connect(&m_frames, &QTimer::timeout, this, qOverload<>(&QWidget::update));
+    connect(&m_frames, &QTimer::timeout, this, &AmbientLayer::nextFrame);
     m_clock.start();
 }
 
@@ -84,12 +84,36 @@ void AmbientLayer::hideEvent(QHideEvent *event)
     updateTimer();
 }
 
+void AmbientLayer::nextFrame()
+{
+    const double previous = m_frameTime;
+    m_frameTime = double(m_clock.elapsed()) / 1000.0;
+    const auto region = [](const std::vector<QRect> &areas) {
+        QRegion r;
+        for (const QRect &a : areas)
+            r += a;
+        return r;
+    };
+    // Only the two frames' shapes change; the rest of the map stays as it is. The big, soft
+    // clouds only when they have moved.
+    QRegion dirty = m_shownMotes;
+    m_shownMotes = region(AmbientGeometry::moteAreas(m_motes, m_frameTime, size()));
+    dirty += m_shownMotes;
+    if (AmbientGeometry::cloudTime(previous) != AmbientGeometry::cloudTime(m_frameTime) ||
+        m_shownClouds.isEmpty()) {
+        dirty += m_shownClouds;
+        m_shownClouds = region(AmbientGeometry::cloudAreas(m_frameTime, size()));
+        dirty += m_shownClouds;
+    }
+    update(dirty);
+}
+
 void AmbientLayer::paintEvent(QPaintEvent *)
 {
     if (m_reduceMotion)
         return;
     QPainter painter(this);
-    paintFrame(painter, size(), m_clock.elapsed() / 1000.0, Appearance::isDark(palette()));
+    paintFrame(painter, size(), m_frameTime, Appearance::isDark(palette()));
 }
 
 const QImage &AmbientLayer::sprite(QSizeF ellipse, double blur, QColor colour, double scale)
@@ -133,7 +157,7 @@ void AmbientLayer::paintFrame(QPainter &painter, QSizeF size, double t, bool dar
     QColor shadow(Qt::black);
     shadow.setAlphaF(dark ? 0.12f : 0.07f);
     for (int c = 0; c < AmbientGeometry::cloudCount; ++c) {
-        const QRectF cloud = AmbientGeometry::cloud(c, t, size);
+        const QRectF cloud = AmbientGeometry::cloud(c, AmbientGeometry::cloudTime(t), size);
         if (!cloud.isEmpty())
             stamp(cloud, AmbientGeometry::cloudBlur, shadow);
     }

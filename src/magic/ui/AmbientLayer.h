@@ -5,12 +5,14 @@
 #include <QElapsedTimer>
 #include <QHash>
 #include <QImage>
+#include <QRegion>
 #include <QTimer>
 #include <QWidget>
 #include <array>
 
-// Drifting cloud shadows and twinkling motes over the map, redrawn at most 30 times a second.
-// With reduce motion it draws nothing. Mouse events pass through to the map below.
+// Drifting cloud shadows and twinkling motes over the map. Each frame repaints only where the
+// shapes were and are (the map below repaints those spots from its cache), motes 15 times a second
+// and clouds when they move. With reduce motion it draws nothing. Mouse events pass through.
 class AmbientLayer : public QWidget
 {
     Q_OBJECT
@@ -32,11 +34,15 @@ protected:
 
 private:
     void updateTimer();
+    void nextFrame();
     [[nodiscard]] const QImage &sprite(QSizeF ellipse, double blur, QColor colour, double scale);
 
     bool m_reduceMotion;
     const std::array<AmbientGeometry::Mote, AmbientGeometry::moteCount> m_motes;
     QTimer m_frames;
     QElapsedTimer m_clock;
+    double m_frameTime = 0; // what the next paint shows, in seconds
+    QRegion m_shownMotes;   // where the last frame painted motes
+    QRegion m_shownClouds;
     QHash<QString, QImage> m_sprites;
 };

@@ -164,6 +164,18 @@ void WorldScene::frame()
 void WorldScene::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
+    // The ambient layer above dirties a scatter of small spots: painting their bounding box,
+    // even clipped, would cost a full frame.
+    const QRegion &region = event->region();
+    if (region.rectCount() > 1 && region.rectCount() <= maxSpots) {
+        for (const QRect &spot : region) {
+            painter.save();
+            painter.setClipRect(spot);
+            paintFrame(painter, spot);
+            painter.restore();
+        }
+        return;
+    }
     paintFrame(painter, event->rect());
 }
 

@@ -22,6 +22,9 @@ class WorldScene : public QWidget
     Q_OBJECT
 
 public:
+    // Up to this many dirty rectangles are painted one by one, more as their bounding box.
+    static constexpr int maxSpots = 64;
+
     WorldScene(Model &model, Game &game, Player &player, bool reduceMotion,
                QWidget *parent = nullptr);
 
