@@ -12,11 +12,6 @@ std::optional<std::string_view> valueOf(std::string_view arg, std::string_view o
     return arg.substr(option.size() + 1);
 }
 
-QString shown(std::string_view bytes)
-{
-    return DisplayName::of(bytes);
-}
-
 } // namespace
 
 std::variant<CommandLine, CommandLine::Error>
@@ -36,14 +31,14 @@ CommandLine::parse(const std::vector<std::string> &args)
             else if (*v == "json")
                 cl.report = ReportFormat::json;
             else
-                return Error{
-                    QStringLiteral("unknown report format '%1' (use text or json)").arg(shown(*v))};
+                return Error{QStringLiteral("unknown report format '%1' (use text or json)")
+                                 .arg(DisplayName::of(*v))};
         } else if (const auto v = valueOf(arg, "--depth")) {
             bool ok = false;
             const int depth = QString::fromUtf8(v->data(), qsizetype(v->size())).toInt(&ok);
             if (!ok || depth < 0)
                 return Error{QStringLiteral("--depth needs a whole number of 0 or more, not '%1'")
-                                 .arg(shown(*v))};
+                                 .arg(DisplayName::of(*v))};
             cl.depth = depth;
         } else if (const auto v = valueOf(arg, "--walker")) {
             if (*v == "shared")
@@ -51,16 +46,16 @@ CommandLine::parse(const std::vector<std::string> &args)
             else if (*v == "fts")
                 cl.walk = Scanner::Walk::fts;
             else
-                return Error{
-                    QStringLiteral("unknown walker '%1' (use shared or fts)").arg(shown(*v))};
+                return Error{QStringLiteral("unknown walker '%1' (use shared or fts)")
+                                 .arg(DisplayName::of(*v))};
         } else if (const auto v = valueOf(arg, "--appearance")) {
             if (*v == "light")
                 cl.appearance = Appearance::light;
             else if (*v == "dark")
                 cl.appearance = Appearance::dark;
             else
-                return Error{
-                    QStringLiteral("unknown appearance '%1' (use light or dark)").arg(shown(*v))};
+                return Error{QStringLiteral("unknown appearance '%1' (use light or dark)")
+                                 .arg(DisplayName::of(*v))};
         } else if (arg == "--reduce-motion") {
             cl.reduceMotion = true;
         } else if (arg == "--help" || arg == "-h") {
@@ -72,7 +67,8 @@ CommandLine::parse(const std::vector<std::string> &args)
             if (!cl.scanPath)
                 cl.scanPath = arg;
         } else {
-            return Error{QStringLiteral("unknown argument '%1' (see --help)").arg(shown(arg))};
+            return Error{
+                QStringLiteral("unknown argument '%1' (see --help)").arg(DisplayName::of(arg))};
         }
     }
     return cl;

@@ -36,9 +36,7 @@ void noteGaps(const std::string &path, const Scanner::Gaps &gaps)
         std::fprintf(stderr,
                      "dustmere: %s not measured: %s path is longer than the system allows "
                      "(%d bytes)\n",
-                     qPrintable(gaps.tooLong == 1
-                                    ? QStringLiteral("1 entry")
-                                    : Fmt::count(gaps.tooLong) + QStringLiteral(" entries")),
+                     qPrintable(Fmt::counted(gaps.tooLong, "entry", "entries")),
                      gaps.tooLong == 1 ? "its" : "their", PATH_MAX);
     }
 }

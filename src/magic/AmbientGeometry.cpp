@@ -28,6 +28,13 @@ QPointF AmbientGeometry::moteCentre(const Mote &mote, double t, QSizeF size)
             mote.y * size.height() + 30 * std::cos(mote.phase + 0.23 * t * mote.speed)};
 }
 
+QRectF AmbientGeometry::moteRect(const Mote &mote, double t, QSizeF size)
+{
+    const double half = moteDiameter / 2;
+    const QPointF centre = moteCentre(mote, t, size);
+    return {centre.x() - half, centre.y() - half, moteDiameter, moteDiameter};
+}
+
 double AmbientGeometry::moteOpacity(const Mote &mote, double t)
 {
     const double twinkle = (std::sin(mote.phase + 2 * t * mote.speed) + 1) / 2;
@@ -61,10 +68,7 @@ std::vector<QRect> AmbientGeometry::moteAreas(const std::array<Mote, moteCount> 
                                               QSizeF size)
 {
     std::vector<QRect> areas;
-    const double half = moteDiameter / 2;
-    for (const Mote &m : motes) {
-        const QPointF centre = moteCentre(m, t, size);
-        addArea(areas, QRectF(centre.x() - half, centre.y() - half, 2 * half, 2 * half), moteBlur);
-    }
+    for (const Mote &m : motes)
+        addArea(areas, moteRect(m, t, size), moteBlur);
     return areas;
 }

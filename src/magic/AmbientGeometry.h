@@ -33,6 +33,8 @@ inline constexpr double cloudSteps = 4;
 // The ellipse of cloud c (0 or 1) before blurring; empty for an empty layer.
 [[nodiscard]] QRectF cloud(int c, double t, QSizeF size);
 [[nodiscard]] QPointF moteCentre(const Mote &mote, double t, QSizeF size);
+// The mote's disc before blurring.
+[[nodiscard]] QRectF moteRect(const Mote &mote, double t, QSizeF size);
 [[nodiscard]] double moteOpacity(const Mote &mote, double t);
 // The whole-pixel areas a frame at `t` paints, blur included: the clouds (which move in
 // cloudSteps, see cloudTime) and the motes.

@@ -61,8 +61,8 @@ void Magic::tick()
     if (m_units >= maxUnits)
         return;
     setUnits(std::min(m_units + unitsPerTick, maxUnits));
-    // A whole point reached: the twentieths it holds are a multiple of twenty.
-    if ((m_units / unitsPerTick) % 20 == 0)
+    // A whole point reached (in whole ticks: slays may add fractions).
+    if ((m_units / unitsPerTick) % (unitsPerMana / unitsPerTick) == 0)
         save();
 }
 

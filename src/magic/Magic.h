@@ -49,11 +49,11 @@ Q_SIGNALS:
     void castsChanged();
 
 private:
-    // Mana is counted in milliseconds of refill, 20,000 to a point, so ticks, slays and spells
-    // add up exactly: 0.05 a second summed as a double reached 2.9999999 with three full orbs.
-    static constexpr std::int64_t unitsPerMana = 20'000;
+    // Mana is counted in milliseconds of refill, so ticks, slays and spells add up exactly: 0.05
+    // a second summed as a double reached 2.9999999 with three full orbs.
     static constexpr std::int64_t unitsPerTick = 1'000;
-    static constexpr std::int64_t maxUnits = 5 * unitsPerMana;
+    static constexpr std::int64_t unitsPerMana = std::int64_t(secondsPerMana) * unitsPerTick;
+    static constexpr std::int64_t maxUnits = std::int64_t(maxMana) * unitsPerMana;
     [[nodiscard]] static std::int64_t unitsOf(double mana)
     {
         return std::llround(mana * unitsPerMana);

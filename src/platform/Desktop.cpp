@@ -1,12 +1,25 @@
 #include "platform/Desktop.h"
 
+#include <QClipboard>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDesktopServices>
+#include <QFile>
+#include <QGuiApplication>
+#include <QMimeData>
+#include <memory>
 
 QUrl Desktop::fileUrl(const std::string &path)
 {
     return QUrl::fromEncoded("file://" + QByteArray::fromStdString(path).toPercentEncoding("/"));
+}
+
+void Desktop::copyPath(const std::string &path)
+{
+    auto data = std::make_unique<QMimeData>();
+    data->setText(QFile::decodeName(QByteArray::fromStdString(path)));
+    data->setUrls({fileUrl(path)});
+    QGuiApplication::clipboard()->setMimeData(data.release()); // the clipboard takes it
 }
 
 void Desktop::reveal(const std::string &path)

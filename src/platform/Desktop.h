@@ -18,6 +18,8 @@ public:
     // A file: URL built from the path's bytes, so a name that is not UTF-8 still addresses its
     // own file.
     [[nodiscard]] static QUrl fileUrl(const std::string &path);
+    // Puts the path on the clipboard, as text and as a file: URL.
+    static void copyPath(const std::string &path);
 
 protected:
     [[nodiscard]] virtual bool showItems(const QStringList &uris);

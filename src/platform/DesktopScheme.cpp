@@ -57,7 +57,7 @@ std::optional<Appearance::Scheme> DesktopScheme::fromPortal(const QVariant &valu
 {
     // Read wraps the value in one more variant than the signal does.
     QVariant v = value;
-    while (v.canConvert<QDBusVariant>() && v.userType() == qMetaTypeId<QDBusVariant>())
+    while (v.userType() == qMetaTypeId<QDBusVariant>())
         v = v.value<QDBusVariant>().variant();
     bool ok = false;
     const uint scheme = v.toUInt(&ok);

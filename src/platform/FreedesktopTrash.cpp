@@ -133,26 +133,6 @@ std::variant<Bin, Refusal> binFor(const std::string &path, dev_t device)
     return Bin{own, top};
 }
 
-// Path= is escaped as in a URI, so a name with '%', spaces or line breaks reads back exactly.
-std::string percentEncoded(std::string_view bytes)
-{
-    static constexpr char hex[] = "0123456789ABCDEF";
-    std::string out;
-    for (const char b : bytes) {
-        const auto c = static_cast<unsigned char>(b);
-        const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
-                           (c >= '0' && c <= '9') || std::strchr("-._~/", c) != nullptr;
-        if (plain && c != 0) {
-            out += b;
-        } else {
-            out += '%';
-            out += hex[c >> 4];
-            out += hex[c & 0xF];
-        }
-    }
-    return out;
-}
-
 std::string infoText(const std::string &path, const Bin &bin)
 {
     std::string original = path;
@@ -163,7 +143,10 @@ std::string infoText(const std::string &path, const Bin &bin)
     localtime_r(&now, &local);
     char date[32];
     std::strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S", &local);
-    return "[Trash Info]\nPath=" + percentEncoded(original) + "\nDeletionDate=" + date + "\n";
+    // Path= is escaped as in a URI, so a name with '%', spaces or line breaks reads back exactly.
+    const std::string escaped =
+        QByteArray::fromStdString(original).toPercentEncoding("/").toStdString();
+    return "[Trash Info]\nPath=" + escaped + "\nDeletionDate=" + date + "\n";
 }
 
 // "name", then "name.2", "name.3", …, each short enough to take ".trashinfo" within NAME_MAX.

@@ -55,10 +55,9 @@ std::optional<QString> keepDamagedFile(const QString &fileName)
             copy.remove(); // a partial copy is ours to take back; the next name is tried
             continue;
         }
-        if (copy.exists() && sameBytes(backup, text))
+        // Already kept once, or the folder cannot be written: nothing to do but keep the file.
+        if (!copy.exists() || sameBytes(backup, text))
             return std::nullopt;
-        if (!copy.exists())
-            return std::nullopt; // the folder cannot be written: nothing to do but keep the file
     }
     return std::nullopt;
 }

@@ -3,6 +3,7 @@
 #include <QFontMetricsF>
 #include <QPainter>
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -11,35 +12,32 @@ bool isDigit(QChar c)
     return c >= u'0' && c <= u'9';
 }
 
-double widestDigit(const std::function<double(const QString &)> &advance)
+using Advance = std::function<double(const QString &)>;
+using DigitAdvances = std::array<double, 10>;
+
+DigitAdvances digitAdvances(const Advance &advance)
 {
-    double widest = 0;
-    for (char16_t d = u'0'; d <= u'9'; ++d)
-        widest = std::max(widest, advance(QString(QChar(d))));
-    return widest;
+    DigitAdvances widths{};
+    for (int d = 0; d < 10; ++d)
+        widths[std::size_t(d)] = advance(QString(QChar(u'0' + d)));
+    return widths;
 }
 
-bool alreadyTabular(const QFontMetricsF &metrics)
+// A font whose digits are tabular already is drawn as it is.
+bool alreadyTabular(const DigitAdvances &digits)
 {
-    const double zero = metrics.horizontalAdvance(QLatin1Char('0'));
-    for (char d = '1'; d <= '9'; ++d) {
-        if (metrics.horizontalAdvance(QLatin1Char(d)) != zero)
-            return false;
-    }
-    return true;
+    return std::all_of(digits.begin(), digits.end(), [&](double w) { return w == digits[0]; });
 }
 
-} // namespace
-
-TabularDigits::Layout TabularDigits::layout(const QString &text,
-                                            const std::function<double(const QString &)> &advance)
+TabularDigits::Layout laidOut(const QString &text, const DigitAdvances &digits,
+                              const Advance &advance)
 {
-    Layout out;
-    const double cell = widestDigit(advance);
+    TabularDigits::Layout out;
+    const double cell = *std::max_element(digits.begin(), digits.end());
     for (qsizetype i = 0; i < text.size();) {
         if (isDigit(text[i])) {
-            const QString digit(text[i]);
-            out.pieces.push_back({digit, out.width + (cell - advance(digit)) / 2});
+            const double w = digits[std::size_t(text[i].unicode() - u'0')];
+            out.pieces.push_back({QString(text[i]), out.width + (cell - w) / 2});
             out.width += cell;
             ++i;
             continue;
@@ -56,24 +54,33 @@ TabularDigits::Layout TabularDigits::layout(const QString &text,
     return out;
 }
 
+} // namespace
+
+TabularDigits::Layout TabularDigits::layout(const QString &text, const Advance &advance)
+{
+    return laidOut(text, digitAdvances(advance), advance);
+}
+
 double TabularDigits::width(const QFont &font, const QString &text)
 {
     const QFontMetricsF metrics(font);
-    if (alreadyTabular(metrics))
+    const Advance advance = [&metrics](const QString &s) { return metrics.horizontalAdvance(s); };
+    const DigitAdvances digits = digitAdvances(advance);
+    if (alreadyTabular(digits))
         return metrics.horizontalAdvance(text);
-    return layout(text, [&metrics](const QString &s) { return metrics.horizontalAdvance(s); })
-        .width;
+    return laidOut(text, digits, advance).width;
 }
 
 void TabularDigits::draw(QPainter &painter, const QRectF &box, int flags, const QString &text)
 {
     const QFontMetricsF metrics(painter.font());
-    if (alreadyTabular(metrics)) {
+    const Advance advance = [&metrics](const QString &s) { return metrics.horizontalAdvance(s); };
+    const DigitAdvances digits = digitAdvances(advance);
+    if (alreadyTabular(digits)) {
         painter.drawText(box, flags, text);
         return;
     }
-    const Layout laid =
-        layout(text, [&metrics](const QString &s) { return metrics.horizontalAdvance(s); });
+    const Layout laid = laidOut(text, digits, advance);
     double x = box.left();
     if (flags & Qt::AlignRight)
         x = box.right() - laid.width;

@@ -7,11 +7,6 @@
 
 namespace {
 
-QString display(const std::string &bytes)
-{
-    return DisplayName::of(bytes);
-}
-
 QString right(const QString &s, int width)
 {
     return s.rightJustified(width, QLatin1Char(' '));
@@ -55,7 +50,7 @@ void territoryLevel(QString &out, const Node &folder, int levels, int indent)
         const Node &c = *children[i];
         out += QStringLiteral("  %1 %2 %3%4 %5 %6\n")
                    .arg(Tiers::emoji(Tiers::ofBytes(c.size())), left(Report::placeName(c), 30), pad,
-                        left(display(c.name()), width), right(Fmt::bytes(c.size()), 10),
+                        left(DisplayName::of(c.name()), width), right(Fmt::bytes(c.size()), 10),
                         right(Fmt::files(c.files()), 14));
         if (levels > 1)
             territoryLevel(out, c, levels - 1, indent + 2);
@@ -96,7 +91,7 @@ void bigFiles(QString &out, std::vector<BigFile> files)
     out += QStringLiteral("\nBig files\n");
     for (std::size_t i = 0; i < std::min(shown, files.size()); ++i)
         out += QStringLiteral("  %1  %2\n")
-                   .arg(right(Fmt::bytes(files[i].size), 10), display(files[i].path));
+                   .arg(right(Fmt::bytes(files[i].size), 10), DisplayName::of(files[i].path));
     if (files.size() > shown)
         out += QStringLiteral("  %1 more\n").arg(Fmt::count(std::int64_t(files.size() - shown)));
 }
@@ -141,7 +136,7 @@ void bounties(QString &out, const Report::Input &input)
                        .arg(left(a.displayName(input.home), 32), right(Fmt::bytes(a.size), 10),
                             a.reason,
                             a.actionable ? QString() : QStringLiteral(" (handle outside the app)"),
-                            display(a.path));
+                            DisplayName::of(a.path));
         }
     }
     out += QStringLiteral("\nTotal reclaimable: %1\n").arg(Fmt::bytes(reclaimable));
@@ -155,12 +150,11 @@ std::string Report::text(const Input &input, std::optional<int> depth)
     const Tier tier = Tiers::ofBytes(root.size());
     QString out;
     out += QStringLiteral("%1 %2 · %3\n")
-               .arg(Tiers::emoji(tier), placeName(root), display(root.path()));
+               .arg(Tiers::emoji(tier), placeName(root), DisplayName::of(root.path()));
     const auto count = std::int64_t(root.children().size());
     out += QStringLiteral("   %1 · %2 · %3\n")
                .arg(Fmt::bytes(root.size()), Fmt::files(root.files()),
-                    Fmt::count(count) + (count == 1 ? QStringLiteral(" territory")
-                                                    : QStringLiteral(" territories")));
+                    Fmt::counted(count, "territory", "territories"));
     territories(out, root, depth.value_or(1));
     bigFiles(out, input.bigFiles);
     bounties(out, input);

@@ -88,7 +88,12 @@ QString Fmt::count(std::int64_t n)
     return numberLocale().toString(static_cast<qlonglong>(n));
 }
 
+QString Fmt::counted(std::int64_t n, const char *singular, const char *plural)
+{
+    return count(n) + QLatin1Char(' ') + QLatin1String(n == 1 ? singular : plural);
+}
+
 QString Fmt::files(std::int64_t n)
 {
-    return count(n) + (n == 1 ? QStringLiteral(" file") : QStringLiteral(" files"));
+    return counted(n, "file", "files");
 }

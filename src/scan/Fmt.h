@@ -12,6 +12,8 @@ namespace Fmt {
 
 // The count with the locale's digit grouping.
 [[nodiscard]] QString count(std::int64_t n);
+// The count and the noun that agrees with it: "1 entry", "2,048 entries".
+[[nodiscard]] QString counted(std::int64_t n, const char *singular, const char *plural);
 // "1 file", "2,048 files".
 [[nodiscard]] QString files(std::int64_t n);
 

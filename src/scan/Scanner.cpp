@@ -10,7 +10,6 @@
 #include <fts.h>
 #include <sys/stat.h>
 #include <thread>
-#include <unistd.h>
 
 namespace {
 

@@ -472,8 +472,11 @@ void Model::removeFromTree(const Advice &item)
 
 void Model::forget(std::string_view under)
 {
-    std::erase_if(m_bigFiles, [under](const BigFile &f) { return Paths::isUnder(f.path, under); });
-    removeAdvice(under);
+    const auto isGone = [under](const auto &item) { return Paths::isUnder(item.path, under); };
+    std::erase_if(m_bigFiles, isGone);
+    std::vector<Advice> kept = m_advice;
+    std::erase_if(kept, isGone);
+    setAdvice(std::move(kept));
 }
 
 void Model::detach(const NodePtr &node)
@@ -489,15 +492,4 @@ void Model::detach(const NodePtr &node)
             break;
         }
     }
-}
-
-void Model::removeAdvice(std::string_view under)
-{
-    std::vector<Advice> kept;
-    kept.reserve(m_advice.size());
-    for (const Advice &a : m_advice) {
-        if (!Paths::isUnder(a.path, under))
-            kept.push_back(a);
-    }
-    setAdvice(std::move(kept));
 }

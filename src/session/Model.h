@@ -76,8 +76,6 @@ public:
     [[nodiscard]] Mode mode() const { return m_mode; }
     [[nodiscard]] const std::optional<Tile> &hovered() const { return m_hovered; }
     [[nodiscard]] const std::vector<Advice> &advice() const { return m_advice; }
-    // The scan's big files still on disk as far as the session knows.
-    [[nodiscard]] const std::vector<BigFile> &bigFiles() const { return m_bigFiles; }
     [[nodiscard]] const std::unordered_set<std::string> &bountyPaths() const
     {
         return m_bountyPaths;
@@ -129,7 +127,6 @@ public:
     void slay(const NodePtr &node, Game &game);
     void slay(const BigFile &file, Game &game);
     void slayAll(const std::vector<Advice> &items, Game &game);
-    void removeAdvice(std::string_view under);
 
     // Plays an effect through the session's sound player (the shared engine unless a test set one),
     // so views and tests hear the same thing.
@@ -177,6 +174,7 @@ private:
     bool trash(const std::string &path, std::uint64_t bytes, Game &game, bool quiet);
     void startDying(const std::string &path, std::uint64_t bytes, std::function<void()> onDone);
     void removeFromTree(const Advice &item);
+    // Drops the advice and the big files at or below a path that went to the Trash.
     void forget(std::string_view under);
     void detach(const NodePtr &node);
     void setDying(std::optional<Dying> dying);
@@ -190,7 +188,7 @@ private:
     Mode m_mode = Mode::map;
     std::optional<Tile> m_hovered;
     std::vector<Advice> m_advice;
-    std::vector<BigFile> m_bigFiles;
+    std::vector<BigFile> m_bigFiles; // the scan's, less those slain since
     std::unordered_set<std::string> m_bountyPaths;
     std::optional<Pending> m_pending;
     std::optional<Dying> m_dying;

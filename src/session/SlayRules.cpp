@@ -42,9 +42,10 @@ bool SlayRules::canSlay(std::string_view rawPath, std::string_view rawHome,
     // "/" and every top-level folder.
     if (path.find('/', 1) == std::string::npos)
         return false;
-    if (path == home || isAncestor(path, home))
+    // Home itself and its ancestors; the home Trash, what lies in it and its ancestors.
+    if (Paths::isUnder(home, path))
         return false;
-    if (Paths::isUnder(path, homeTrash) || isAncestor(path, homeTrash) || isInAnyTrash(path))
+    if (Paths::isUnder(path, homeTrash) || Paths::isUnder(homeTrash, path) || isInAnyTrash(path))
         return false;
 
     static constexpr std::array<std::string_view, 23> systemPrefixes = {
@@ -59,9 +60,10 @@ bool SlayRules::canSlay(std::string_view rawPath, std::string_view rawHome,
             return false;
     }
 
-    static constexpr std::array<std::string_view, 14> homeFolders = {
-        "Desktop", "Documents",    "Downloads", "Library", "Movies",    "Music",  "Pictures",
-        "Public",  "Applications", ".Trash",    "Videos",  "Templates", ".local", ".config"};
+    // (~/.Trash is a Trash folder like any other, refused above.)
+    static constexpr std::array<std::string_view, 13> homeFolders = {
+        "Desktop", "Documents",    "Downloads", "Library",   "Movies", "Music",  "Pictures",
+        "Public",  "Applications", "Videos",    "Templates", ".local", ".config"};
     if (isAncestor(home, path)) {
         const std::string_view rest =
             std::string_view(path).substr(home == "/" ? 1 : home.size() + 1);

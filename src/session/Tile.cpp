@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 const std::string Tile::otherId = std::string(1, '\0') + "other";
 const std::string Tile::looseId = std::string(1, '\0') + "loose";
@@ -103,23 +104,24 @@ std::vector<Tile> withBigFiles(std::vector<Tile> tiles, const Node &current,
     if (own.empty())
         return tiles;
 
-    const auto loose = std::find_if(tiles.begin(), tiles.end(),
-                                    [](const Tile &t) { return t.id == Tile::looseId; });
-    double rest = loose == tiles.end() ? 0 : loose->value;
-    std::vector<Tile> files;
+    // makeTiles puts the loose files last; they now stand for what the list does not name.
+    std::optional<Tile> loose;
+    if (!tiles.empty() && tiles.back().id == Tile::looseId) {
+        loose = std::move(tiles.back());
+        tiles.pop_back();
+    }
+    double rest = loose ? loose->value : 0;
     for (const BigFile *f : own) {
         const double value = metric == Metric::size ? static_cast<double>(f->size) : 1.0;
         rest -= value;
-        files.push_back({std::string(1, '\0') + "file/" + std::string(f->name()), Tile::File{*f},
+        tiles.push_back({std::string(1, '\0') + "file/" + std::string(f->name()), Tile::File{*f},
                          std::string(f->name()), value});
     }
     // The tree may have lost loose files the list still names (another program's doing): the
     // remainder never goes below zero.
-    const auto at = tiles.erase(std::remove_if(tiles.begin(), tiles.end(),
-                                               [](const Tile &t) { return t.id == Tile::looseId; }),
-                                tiles.end());
-    tiles.insert(at, files.begin(), files.end());
-    if (rest > 0)
-        tiles.push_back({Tile::looseId, Tile::Loose{}, "Loose files", rest});
+    if (loose && rest > 0) {
+        loose->value = rest;
+        tiles.push_back(std::move(*loose));
+    }
     return tiles;
 }

@@ -54,7 +54,7 @@ struct Tile
 
     std::string id; // the folder's name, or NUL + "other" / NUL + "loose"
     Kind kind;
-    std::string name; // bytes; display through QFile::decodeName
+    std::string name; // bytes; display through DisplayName::of
     double value = 0;
 
     static const std::string otherId;

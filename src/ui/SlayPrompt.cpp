@@ -4,26 +4,17 @@
 #include "platform/DisplayName.h"
 #include "scan/Fmt.h"
 
-namespace {
-
-QString shown(std::string_view bytes)
-{
-    return DisplayName::of(bytes);
-}
-
-} // namespace
-
 QString SlayPrompt::title(const Model::Pending &pending)
 {
     if (const auto *f = std::get_if<Model::PendingFolder>(&pending)) {
         const Node &node = *f->node;
         return QStringLiteral("Slay the %1 of “%2” and reclaim %3?")
-            .arg(Tiers::displayName(Tiers::ofBytes(node.size())), shown(node.name()),
+            .arg(Tiers::displayName(Tiers::ofBytes(node.size())), DisplayName::of(node.name()),
                  Fmt::bytes(node.size()));
     }
     if (const auto *f = std::get_if<Model::PendingFile>(&pending))
         return QStringLiteral("Slay “%1” and reclaim %2?")
-            .arg(shown(f->file.name()), Fmt::bytes(f->file.size));
+            .arg(DisplayName::of(f->file.name()), Fmt::bytes(f->file.size));
     const auto &items = std::get<Model::PendingBulk>(pending).items;
     std::uint64_t total = 0;
     for (const Advice &a : items)

@@ -18,7 +18,7 @@ class Warp
 public:
     Warp() = default;
     Warp(double phase, double amplitude, const QRectF &land, double zoom = 1, double reach = 0)
-        : m_phase(phase), m_amplitude(amplitude), m_zoom(zoom), m_reach(reach), m_land(land),
+        : m_phase(phase), m_amplitude(amplitude), m_zoom(zoom), m_reach(reach),
           m_base(land.topLeft() / zoom, land.size() / zoom)
     {}
 
@@ -36,8 +36,6 @@ public:
     [[nodiscard]] double phase() const { return m_phase; }
     [[nodiscard]] double amplitude() const { return m_amplitude; } // at zoom 1
     [[nodiscard]] double zoom() const { return m_zoom; }
-    [[nodiscard]] double reach() const { return m_reach; }
-    [[nodiscard]] const QRectF &land() const { return m_land; }
 
 private:
     // In zoom-1 units: the edge weight, and the displaced point made a world point again.
@@ -50,6 +48,5 @@ private:
     double m_amplitude = 0;
     double m_zoom = 1;
     double m_reach = 0;
-    QRectF m_land;
     QRectF m_base; // the land at zoom 1
 };

@@ -6,6 +6,7 @@
 #include <QRadialGradient>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -86,24 +87,20 @@ void AmbientLayer::hideEvent(QHideEvent *event)
 
 void AmbientLayer::nextFrame()
 {
-    const double previous = m_frameTime;
-    m_frameTime = double(m_clock.elapsed()) / 1000.0;
-    const auto region = [](const std::vector<QRect> &areas) {
-        QRegion r;
+    const double previous = std::exchange(m_frameTime, double(m_clock.elapsed()) / 1000.0);
+    // Only the two frames' shapes change; the rest of the map stays as it is. What the last frame
+    // painted follows from its time and the present size, whatever painted it (a tick, a resize,
+    // the hero walking by). The big, soft clouds only when they have moved.
+    QRegion dirty;
+    const auto add = [&dirty](const std::vector<QRect> &areas) {
         for (const QRect &a : areas)
-            r += a;
-        return r;
+            dirty += a;
     };
-    // Only the two frames' shapes change; the rest of the map stays as it is. The big, soft
-    // clouds only when they have moved.
-    QRegion dirty = m_shownMotes;
-    m_shownMotes = region(AmbientGeometry::moteAreas(m_motes, m_frameTime, size()));
-    dirty += m_shownMotes;
-    if (AmbientGeometry::cloudTime(previous) != AmbientGeometry::cloudTime(m_frameTime) ||
-        m_shownClouds.isEmpty()) {
-        dirty += m_shownClouds;
-        m_shownClouds = region(AmbientGeometry::cloudAreas(m_frameTime, size()));
-        dirty += m_shownClouds;
+    add(AmbientGeometry::moteAreas(m_motes, previous, size()));
+    add(AmbientGeometry::moteAreas(m_motes, m_frameTime, size()));
+    if (AmbientGeometry::cloudTime(previous) != AmbientGeometry::cloudTime(m_frameTime)) {
+        add(AmbientGeometry::cloudAreas(previous, size()));
+        add(AmbientGeometry::cloudAreas(m_frameTime, size()));
     }
     update(dirty);
 }
@@ -161,13 +158,10 @@ void AmbientLayer::paintFrame(QPainter &painter, QSizeF size, double t, bool dar
         if (!cloud.isEmpty())
             stamp(cloud, AmbientGeometry::cloudBlur, shadow);
     }
-    const double half = AmbientGeometry::moteDiameter / 2;
     const QColor mote = dark ? warmMote : QColor(Qt::white);
     for (const AmbientGeometry::Mote &m : m_motes) {
         painter.setOpacity(AmbientGeometry::moteOpacity(m, t));
-        const QPointF centre = AmbientGeometry::moteCentre(m, t, size);
-        stamp(QRectF(centre.x() - half, centre.y() - half, 2 * half, 2 * half),
-              AmbientGeometry::moteBlur, mote);
+        stamp(AmbientGeometry::moteRect(m, t, size), AmbientGeometry::moteBlur, mote);
     }
     painter.restore();
 }

@@ -5,7 +5,6 @@
 #include <QElapsedTimer>
 #include <QHash>
 #include <QImage>
-#include <QRegion>
 #include <QTimer>
 #include <QWidget>
 #include <array>
@@ -41,8 +40,6 @@ private:
     const std::array<AmbientGeometry::Mote, AmbientGeometry::moteCount> m_motes;
     QTimer m_frames;
     QElapsedTimer m_clock;
-    double m_frameTime = 0; // what the next paint shows, in seconds
-    QRegion m_shownMotes;   // where the last frame painted motes
-    QRegion m_shownClouds;
+    double m_frameTime = 0; // what every paint shows, in seconds
     QHash<QString, QImage> m_sprites;
 };

@@ -1,6 +1,7 @@
 #include "ui/screens/BountyRow.h"
 
 #include "game/Game.h"
+#include "platform/Desktop.h"
 #include "platform/DisplayName.h"
 #include "platform/Emoji.h"
 #include "platform/Icons.h"
@@ -10,10 +11,7 @@
 #include "ui/screens/TextStyle.h"
 #include "world/ui/MonsterGlyph.h"
 
-#include <QClipboard>
 #include <QContextMenuEvent>
-#include <QFile>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
@@ -202,9 +200,7 @@ std::unique_ptr<QMenu> BountyRow::makeContextMenu() const
     connect(reveal, &QAction::triggered, reveal,
             [&model = m_model, path = m_item.path] { model.reveal(path); });
     QAction *copy = menu->addAction(tr("Copy Path"));
-    connect(copy, &QAction::triggered, copy, [path = m_item.path] {
-        QGuiApplication::clipboard()->setText(QFile::decodeName(QByteArray::fromStdString(path)));
-    });
+    connect(copy, &QAction::triggered, copy, [path = m_item.path] { Desktop::copyPath(path); });
     return menu;
 }
 

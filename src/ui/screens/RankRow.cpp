@@ -193,7 +193,7 @@ QPointF RankRow::iconCentre() const
 
 void RankRow::layoutMeter()
 {
-    const int x = padX + placeWidth + gap + iconWidth + gap + nameWidth + gap;
+    const int x = nameX + nameWidth + gap;
     const int w = std::max(0, width() - x - gap - valueWidth - padX);
     m_meter->setGeometry(x, (height() - meterHeight) / 2, w, meterHeight);
 }
@@ -254,7 +254,6 @@ void RankRow::paintEvent(QPaintEvent *)
         Emoji::drawCentered(p, QStringLiteral("📄"), centre, emojiPixels * m_iconScale);
     }
 
-    const int nameX = padX + placeWidth + gap + iconWidth + gap;
     p.setFont(TextStyle::body());
     p.setPen(pal.color(QPalette::WindowText));
     const QString name =
@@ -304,7 +303,7 @@ void RankRow::keyPressEvent(QKeyEvent *event)
     } else if (key == Qt::Key_Menu ||
                (key == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier)) {
         // Under the name, where a pointer's menu would open.
-        openMenu(mapToGlobal(QPoint(padX + placeWidth + gap + iconWidth + gap, height())));
+        openMenu(mapToGlobal(QPoint(nameX, height())));
     } else {
         QWidget::keyPressEvent(event);
     }

@@ -29,6 +29,7 @@ public:
     static constexpr int iconWidth = 26;
     static constexpr int nameWidth = 220;
     static constexpr int valueWidth = 110;
+    static constexpr int nameX = padX + placeWidth + gap + iconWidth + gap;
     static constexpr int meterHeight = 14;
     static constexpr double slide = 40;
 

@@ -105,21 +105,18 @@ void RankingView::rebuildIfStale()
 void RankingView::restoreSelection()
 {
     const std::optional<int> from = std::exchange(m_refocus, std::nullopt);
+    // Only the first rebuild after a change of level selects the folder just left.
+    const NodePtr cameFrom = std::exchange(m_cameFrom, {}).lock();
     if (!from || !hasFocus() || m_tiles.empty())
         return;
-    // Up a level, the folder just left is selected; down one, the first row.
-    if (const NodePtr cameFrom = m_cameFrom.lock();
-        cameFrom && cameFrom->parent() == m_level.lock()) {
-        const auto found = std::find_if(m_tiles.begin(), m_tiles.end(), [&](const Tile &t) {
-            const NodePtr *node = t.folder();
-            return node && *node == cameFrom;
-        });
-        if (found != m_tiles.end()) {
-            select(int(found - m_tiles.begin()));
-            return;
-        }
-    }
-    select(std::min(*from, int(m_tiles.size()) - 1));
+    // Up a level, the folder just left is selected (it is one of the tiles); otherwise the row
+    // where the selection was, or the last.
+    const auto found = std::find_if(m_tiles.begin(), m_tiles.end(), [&](const Tile &t) {
+        const NodePtr *node = t.folder();
+        return cameFrom && node && *node == cameFrom;
+    });
+    select(found != m_tiles.end() ? int(found - m_tiles.begin())
+                                  : std::min(*from, int(m_tiles.size()) - 1));
 }
 
 void RankingView::retire(RankRow *row)

@@ -5,11 +5,6 @@
 #include "session/Model.h"
 #include "ui/screens/EmojiMenuStyle.h"
 
-#include <QClipboard>
-#include <QFile>
-#include <QGuiApplication>
-#include <QMimeData>
-
 TileMenu::TileMenu(Model &model, Game &game, Tile tile, QWidget *parent)
     : QMenu(parent), m_model(model), m_game(game), m_tile(std::move(tile))
 {
@@ -26,6 +21,12 @@ TileMenu::TileMenu(Model &model, Game &game, Tile tile, QWidget *parent)
                 m_model.reveal(current->path());
         });
     }
+    if (const auto pending = m_model.slayRequest(m_tile)) {
+        addSeparator();
+        const QString slay = tr("⚔️ Slay (Move to Trash)…");
+        addAction(EmojiMenuStyle::icon(EmojiMenuStyle::leadingEmoji(slay)), slay, this,
+                  [this, pending = *pending] { m_model.setPending(pending); });
+    }
 }
 
 void TileMenu::addFolderItems(const NodePtr &node)
@@ -34,27 +35,10 @@ void TileMenu::addFolderItems(const NodePtr &node)
     open->setEnabled(!node->children().empty());
     addAction(tr("Show on Map"), this, [this, node] { m_model.show(node, m_game); });
     addAction(tr("Reveal in File Manager"), this, [this, node] { m_model.reveal(node->path()); });
-    if (const auto pending = m_model.slayRequest(m_tile))
-        addSlay(*pending);
 }
 
 void TileMenu::addFileItems(const BigFile &file)
 {
     addAction(tr("Reveal in File Manager"), this, [this, file] { m_model.reveal(file.path); });
-    addAction(tr("Copy Path"), this, [file] {
-        auto data = std::make_unique<QMimeData>();
-        data->setText(QFile::decodeName(QByteArray::fromStdString(file.path)));
-        data->setUrls({Desktop::fileUrl(file.path)});
-        QGuiApplication::clipboard()->setMimeData(data.release());
-    });
-    if (const auto pending = m_model.slayRequest(m_tile))
-        addSlay(*pending);
-}
-
-void TileMenu::addSlay(Model::Pending pending)
-{
-    addSeparator();
-    const QString slay = tr("⚔️ Slay (Move to Trash)…");
-    addAction(EmojiMenuStyle::icon(EmojiMenuStyle::leadingEmoji(slay)), slay, this,
-              [this, pending] { m_model.setPending(pending); });
+    addAction(tr("Copy Path"), this, [path = file.path] { Desktop::copyPath(path); });
 }

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "session/Model.h"
 #include "session/Tile.h"
 
 #include <QMenu>
 
 class Game;
+class Model;
 
 // The context menu of one tile: open, locate on the map, reveal, and slay when allowed. A big file
 // is revealed, its path copied or slain; tiles that stand for no single item only offer to reveal
@@ -22,7 +22,6 @@ public:
 private:
     void addFolderItems(const NodePtr &node);
     void addFileItems(const BigFile &file);
-    void addSlay(Model::Pending pending);
 
     Model &m_model;
     Game &m_game;

@@ -164,50 +164,56 @@ void WorldScene::frame()
 void WorldScene::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
-    // The ambient layer above dirties a scatter of small spots: painting their bounding box,
-    // even clipped, would cost a full frame.
-    const QRegion &region = event->region();
-    if (region.rectCount() > 1 && region.rectCount() <= maxSpots) {
-        for (const QRect &spot : region) {
-            painter.save();
-            painter.setClipRect(spot);
-            paintFrame(painter, spot);
-            painter.restore();
-        }
-        return;
-    }
-    paintFrame(painter, event->rect());
+    paintFrame(painter, event->region());
 }
 
 void WorldScene::paintFrame(QPainter &painter, const QRectF &viewRect)
 {
+    paintFrame(painter, QRegion(viewRect.toAlignedRect()));
+}
+
+void WorldScene::paintFrame(QPainter &painter, const QRegion &dirty)
+{
     const WorldPalette colors = WorldPalette::of(palette());
+    const QColor ink = Appearance::ink(palette());
     const double now = m_player.clock().now();
     const QPointF o = offset();
-    painter.fillRect(viewRect, colors.sea);
-    const WorldLayout &layout = m_canvas.layout();
-    if (layout.size.isEmpty())
-        return;
+    const QRectF land(QPointF(0, 0), m_canvas.layout().size);
+    m_lastHighlight = RegionHighlight::bounds(m_player);
+    m_lastHero = m_hero->bounds(now);
+    m_lastOffset = o;
+    // The ambient layer above dirties a scatter of small spots: each is painted on its own, with
+    // only what reaches it (their bounding box, even clipped, would cost a full frame).
+    const bool spots = dirty.rectCount() > 1 && dirty.rectCount() <= maxSpots;
+    for (const QRect &piece : spots ? dirty : QRegion(dirty.boundingRect())) {
+        painter.save();
+        if (spots)
+            painter.setClipRect(piece);
+        painter.fillRect(piece, colors.sea);
+        const QRectF world = QRectF(piece).translated(-o) & land;
+        if (!world.isEmpty()) {
+            painter.translate(o);
+            paintLand(painter, world, ink, now);
+        }
+        painter.restore();
+    }
+}
 
-    painter.save();
-    painter.translate(o);
-    const QRectF world = viewRect.translated(-o) & QRectF(QPointF(0, 0), layout.size);
-    if (!world.isEmpty())
-        m_canvas.draw(painter, world, palette(), devicePixelRatioF());
+void WorldScene::paintLand(QPainter &painter, const QRectF &world, const QColor &ink, double now)
+{
+    m_canvas.draw(painter, world, palette(), devicePixelRatioF());
     for (const MonsterSprite &s : m_sprites) {
         if (s.death() || s.bounds().intersects(world))
             s.paint(painter, m_stamps, now, m_reduceMotion);
     }
-    RegionHighlight::paint(painter, m_player, Appearance::ink(palette()), world);
-    m_lastHighlight = RegionHighlight::bounds(m_player);
-    m_hero->paint(painter, m_stamps, now);
-    m_lastHero = m_hero->bounds(now);
+    if (m_lastHighlight.intersects(world))
+        RegionHighlight::paint(painter, m_player, ink, world);
+    if (m_lastHero.intersects(world))
+        m_hero->paint(painter, m_stamps, now);
     for (const MonsterSprite &s : m_sprites)
         s.paintReward(painter, now);
     if (!m_player.effects().empty())
         SpellFXLayer::paint(painter, m_player, now, palette());
-    painter.restore();
-    m_lastOffset = o;
 }
 
 void WorldScene::resizeEvent(QResizeEvent *event)

@@ -43,6 +43,8 @@ public:
 
     // Paints one frame of everything into `painter`, as the widget does for `viewRect`.
     void paintFrame(QPainter &painter, const QRectF &viewRect);
+    // Only `dirty` changes; a painter on the scene is clipped to it already.
+    void paintFrame(QPainter &painter, const QRegion &dirty);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -50,6 +52,8 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
+    // The land part of a piece of the view, `world` in world coordinates, painter translated.
+    void paintLand(QPainter &painter, const QRectF &world, const QColor &ink, double now);
     void heroMoved();
     void regionChanged();
     void dyingChanged();

@@ -31,11 +31,6 @@ constexpr int padding = 10;
 constexpr double pinchIn = 1.15;
 constexpr double pinchOut = 0.87;
 
-QString display(const std::string &bytes)
-{
-    return DisplayName::of(bytes);
-}
-
 } // namespace
 
 WorldView::WorldView(Model &model, Game &game, Magic &magic, bool reduceMotion, QWidget *parent)
@@ -102,7 +97,7 @@ QString WorldView::realmTitle() const
         return DisplayName::of(*custom);
     if (m_game.fantasyNames())
         return Lore::name(current->name(), Tiers::ofBytes(current->size()));
-    return QStringLiteral("The Realm of ") + display(current->name());
+    return QStringLiteral("The Realm of ") + DisplayName::of(current->name());
 }
 
 void WorldView::scheduleRebuild()
@@ -135,7 +130,7 @@ void WorldView::rebuild()
         [this](const Tile &tile, std::optional<Tier> tier) {
             if (const NodePtr *folder = tile.folder(); folder && *folder)
                 return m_game.placeName((*folder)->path(), tile.name, tier);
-            return display(tile.name);
+            return DisplayName::of(tile.name);
         },
         scale);
     m_player->update(layout, view);
@@ -222,7 +217,7 @@ void WorldView::rename()
     m_renaming = region;
     if (m_renameDialog)
         m_renameDialog->deleteLater();
-    auto *dialog = new RenameDialog(display(region->tile.name), name, this);
+    auto *dialog = new RenameDialog(DisplayName::of(region->tile.name), name, this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     m_renameDialog = dialog;
     const std::string path = *region->path;
