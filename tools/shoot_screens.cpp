@@ -48,8 +48,10 @@ void makeDirs(const QByteArray &path)
 
 void buildHome(const QByteArray &home)
 {
-    makeDirs(home + "/.cache");
-    makeFile(home + "/.cache/pip.bin", 120 * MB);
+    // The cache folder where it usually is, so its tools' caches are advised one by one.
+    qputenv("XDG_CACHE_HOME", home + "/.cache");
+    makeDirs(home + "/.cache/pip");
+    makeFile(home + "/.cache/pip/http.bin", 120 * MB);
     makeDirs(home + "/.npm");
     makeFile(home + "/.npm/blob", 80 * MB);
     makeDirs(home + "/Library/Caches/com.example.Browser");
@@ -211,7 +213,7 @@ int main(int argc, char *argv[])
         board.resize(960, 420);
         board.show();
         QTest::qWait(900);
-        const char *victim = scheme == Appearance::Scheme::dark ? "/.npm" : "/.cache";
+        const char *victim = scheme == Appearance::Scheme::dark ? "/.npm" : "/.cache/pip";
         slaying.slay(slaying.node(home.toStdString() + victim), game);
         QTest::qWait(700);
         save(ranking, "ranking-dying", scheme);

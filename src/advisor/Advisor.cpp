@@ -1,8 +1,12 @@
 #include "advisor/Advisor.h"
 
+#include "advisor/LinuxRules.h"
+#include "advisor/Verdict.h"
 #include "platform/Home.h"
 #include "platform/Paths.h"
 
+#include <QFile>
+#include <QStandardPaths>
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -15,13 +19,6 @@
 using Safety = Advice::Safety;
 
 namespace {
-
-struct Verdict
-{
-    Safety safety;
-    const char *reason; // UTF-8
-    bool actionable = true;
-};
 
 const std::unordered_set<std::string_view> &appCacheNames()
 {
@@ -42,16 +39,15 @@ const std::unordered_set<std::string_view> &frameworkCacheNames()
 const std::unordered_set<std::string_view> &installerExtensions()
 {
     static const std::unordered_set<std::string_view> extensions = {
-        "dmg", "pkg", "iso", "xip", "msi", "exe", "zip", "tar", "gz", "tgz", "rar", "7z"};
+        "dmg",     "pkg",        "iso", "xip", "msi", "exe", "zip",      "tar",
+        "gz",      "tgz",        "rar", "7z",  "deb", "rpm", "appimage", "snap",
+        "flatpak", "flatpakref", "run", "xz",  "zst", "bz2"};
     return extensions;
 }
 
 constexpr std::array<std::string_view, 6> projectMarkers = {"package.json",     "build.gradle",
                                                             "build.gradle.kts", "CMakeLists.txt",
                                                             "Package.swift",    "pyproject.toml"};
-
-constexpr std::array<std::string_view, 4> userFolders = {"Downloads", "Desktop", "Documents",
-                                                         "Movies"};
 
 constexpr std::array<std::string_view, 7> mediaLibraryMarkers = {
     ".photoslibrary/", ".musiclibrary/", ".imovielibrary/", ".fcpbundle/",
@@ -97,13 +93,14 @@ class Rules
 {
 public:
     explicit Rules(const Advisor::Context &context)
-        : m_home(context.home), m_lib(m_home + "/Library"), m_dev(m_lib + "/Developer"),
-          m_trash(context.trash), m_now(context.now)
+        : m_context(context), m_home(context.home), m_lib(m_home + "/Library"),
+          m_dev(m_lib + "/Developer"), m_trash(context.trash), m_now(context.now), m_linux(context)
     {}
 
-    [[nodiscard]] std::optional<Verdict> folder(const std::string &name, const std::string &path,
+    [[nodiscard]] std::optional<Verdict> folder(const Node &node, const std::string &path,
                                                 const std::string &parentPath) const
     {
+        const std::string &name = node.name();
         if (path == m_home + "/.Trash" || (!m_trash.empty() && path == m_trash))
             return Verdict{Safety::review,
                            "Already in the Trash. Empty the Trash in your file manager to actually "
@@ -126,9 +123,12 @@ public:
         if (path == m_home + "/.npm")
             return Verdict{Safety::rebuild,
                            "npm download cache. Packages are re-downloaded when needed."};
+#ifdef Q_OS_MACOS
+        // Elsewhere it is the platform's cache folder, whose folders are judged one by one.
         if (path == m_home + "/.cache")
             return Verdict{Safety::rebuild,
                            "Tool caches (pip, Hugging Face, etc.). Re-downloaded when needed."};
+#endif
         if (isPackageCache(path))
             return Verdict{Safety::rebuild,
                            "Package download cache. Re-downloaded on the next install."};
@@ -172,7 +172,11 @@ public:
             return Verdict{Safety::safe, "Framework build cache. Recreated on the next build."};
         if ((name == "build" || name == "dist" || name == ".build") && hasProjectMarker(parentPath))
             return Verdict{Safety::rebuild, "Build output. Rebuilt from the project's sources."};
-        return std::nullopt;
+        if (path.starts_with(m_home + "/.config/") && parentPath != m_home + "/.config" &&
+            appCacheNames().contains(name))
+            return Verdict{Safety::safe,
+                           "App cache (browser, editor or chat app). Rebuilt on next launch."};
+        return m_linux.folder(name, path, parentPath);
     }
 
     [[nodiscard]] std::optional<std::pair<Safety, QString>> file(const BigFile &file) const
@@ -190,7 +194,9 @@ public:
                 return std::nullopt;
         }
         const std::int64_t days = (m_now - file.modified) / 86'400;
-        if (path.starts_with(m_home + "/Downloads/") && installerExtensions().contains(ext)) {
+        const std::string &downloads = m_context.userFolders[0];
+        if (!downloads.empty() && path.starts_with(downloads + '/') &&
+            installerExtensions().contains(ext)) {
             QString reason = QStringLiteral("Installer or archive in Downloads");
             if (days >= 8)
                 reason += QStringLiteral(", ") + ageText(days) + QStringLiteral(" old");
@@ -221,18 +227,20 @@ private:
 
     [[nodiscard]] bool inUserFolder(const std::string &path) const
     {
-        for (const std::string_view folder : userFolders) {
-            if (path.starts_with(m_home + '/' + std::string(folder) + '/'))
+        for (const std::string &folder : m_context.userFolders) {
+            if (!folder.empty() && path.starts_with(folder + '/'))
                 return true;
         }
         return Paths::parent(path) == m_home;
     }
 
+    const Advisor::Context &m_context;
     std::string m_home;
     std::string m_lib;
     std::string m_dev;
     std::string m_trash;
     std::int64_t m_now;
+    LinuxRules m_linux;
 };
 
 struct Visit
@@ -254,9 +262,9 @@ void walkFolders(const NodePtr &root, const Rules &rules, std::vector<Advice> &o
         if (v.node->size() < Advisor::adviceFloor)
             continue;
         if (v.node->hasParent()) {
-            if (const auto verdict = rules.folder(v.node->name(), v.path, v.parentPath)) {
+            if (auto verdict = rules.folder(*v.node, v.path, v.parentPath)) {
                 out.push_back({v.node, v.path, v.node->size(), verdict->safety,
-                               QString::fromUtf8(verdict->reason), verdict->actionable});
+                               std::move(verdict->reason), verdict->actionable});
                 continue;
             }
         }
@@ -285,6 +293,31 @@ std::int64_t Advisor::Context::defaultNow()
 std::string Advisor::Context::defaultTrash()
 {
     return Home::trash();
+}
+
+std::string Advisor::Context::defaultCache()
+{
+    // A relative XDG_CACHE_HOME is invalid and ignored, as the base-directory rules say.
+    if (const char *cache = std::getenv("XDG_CACHE_HOME"); cache && cache[0] == '/')
+        return Paths::clean(cache);
+    return Paths::absolute(".cache", Home::path());
+}
+
+std::array<std::string, 4> Advisor::Context::defaultUserFolders()
+{
+    constexpr std::array kinds = {QStandardPaths::DownloadLocation, QStandardPaths::DesktopLocation,
+                                  QStandardPaths::DocumentsLocation,
+                                  QStandardPaths::MoviesLocation};
+    const std::string home = Home::path();
+    std::array<std::string, 4> folders;
+    for (std::size_t i = 0; i < kinds.size(); ++i) {
+        const std::string folder = Paths::clean(
+            QFile::encodeName(QStandardPaths::writableLocation(kinds[i])).toStdString());
+        // xdg-user-dirs points a folder the user turned off at the home folder itself.
+        if (folder.starts_with('/') && !Paths::isUnder(home, folder))
+            folders[i] = folder;
+    }
+    return folders;
 }
 
 std::vector<Advice> Advisor::advise(const NodePtr &root, const std::vector<BigFile> &bigFiles,

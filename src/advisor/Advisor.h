@@ -4,6 +4,7 @@
 #include "scan/BigFile.h"
 #include "scan/Node.h"
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -23,11 +24,19 @@ struct Context
     std::string home = defaultHome();
     std::int64_t now = defaultNow(); // seconds since 1970-01-01 UTC
     std::string trash = defaultTrash();
+    std::string cache = defaultCache();
+    // Downloads, Desktop, Documents and Videos (Movies on macOS), in this order; installers are
+    // looked for in the first. An empty entry names no folder.
+    std::array<std::string, 4> userFolders = defaultUserFolders();
 
     [[nodiscard]] static std::string defaultHome();
     [[nodiscard]] static std::int64_t defaultNow();
     // $XDG_DATA_HOME/Trash, else ~/.local/share/Trash.
     [[nodiscard]] static std::string defaultTrash();
+    // $XDG_CACHE_HOME, else ~/.cache.
+    [[nodiscard]] static std::string defaultCache();
+    // The desktop's user folders, localized names included.
+    [[nodiscard]] static std::array<std::string, 4> defaultUserFolders();
 };
 
 [[nodiscard]] std::vector<Advice> advise(const NodePtr &root, const std::vector<BigFile> &bigFiles,

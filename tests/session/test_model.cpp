@@ -69,8 +69,8 @@ private Q_SLOTS:
     void scanWithBountiesEndsOnTheBoard()
     {
         const QByteArray home = QFile::encodeName(TestSandbox::instance()->home());
-        makeDir(home + "/.cache");
-        const std::uint64_t cache = makeFile(home + "/.cache/blob", 30'000'000);
+        makeDir(home + "/.npm");
+        const std::uint64_t cache = makeFile(home + "/.npm/blob", 30'000'000);
         makeDir(home + "/Music");
         makeFile(home + "/Music/song", 8192);
 
@@ -85,7 +85,7 @@ private Q_SLOTS:
         QCOMPARE(model->current(), model->root());
         QCOMPARE(model->mode(), Mode::bounties);
         QCOMPARE(model->advice().size(), 1u);
-        QVERIFY(model->bountyPaths().contains((home + "/.cache").toStdString()));
+        QVERIFY(model->bountyPaths().contains((home + "/.npm").toStdString()));
         QCOMPARE(m_played, std::vector<Sound::Sfx>{Sound::Sfx::scanDone()});
         QVERIFY(m_game->unlocked().contains(QStringLiteral("first_scan")));
         QTRY_VERIFY(!m_toasts.empty() &&
