@@ -1,6 +1,7 @@
 #include "advisor/Advisor.h"
 
 #include "advisor/LinuxRules.h"
+#include "advisor/ProjectOutputs.h"
 #include "advisor/Verdict.h"
 #include "platform/Home.h"
 #include "platform/Paths.h"
@@ -78,15 +79,6 @@ std::string lowerExtension(std::string_view path)
         return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : char(c);
     });
     return ext;
-}
-
-QString ageText(std::int64_t days)
-{
-    if (days >= 730)
-        return QString::number(days / 365) + QStringLiteral(" years");
-    if (days >= 60)
-        return QString::number(days / 30) + QStringLiteral(" months");
-    return QString::number(days) + QStringLiteral(" days");
 }
 
 class Rules
@@ -176,7 +168,9 @@ public:
             appCacheNames().contains(name))
             return Verdict{Safety::safe,
                            "App cache (browser, editor or chat app). Rebuilt on next launch."};
-        return m_linux.folder(name, path, parentPath);
+        if (auto verdict = m_linux.folder(name, path, parentPath))
+            return verdict;
+        return ProjectOutputs::folder(node, path, parentPath, m_context);
     }
 
     [[nodiscard]] std::optional<std::pair<Safety, QString>> file(const BigFile &file) const
@@ -199,14 +193,14 @@ public:
             installerExtensions().contains(ext)) {
             QString reason = QStringLiteral("Installer or archive in Downloads");
             if (days >= 8)
-                reason += QStringLiteral(", ") + ageText(days) + QStringLiteral(" old");
+                reason += QStringLiteral(", ") + Advisor::ageText(days) + QStringLiteral(" old");
             reason += QStringLiteral(". Usually not needed once installed or unpacked.");
             return std::pair{Safety::review, reason};
         }
         if (file.size < Advisor::oldFileFloor || days < Advisor::oldFileDays)
             return std::nullopt;
         return std::pair{Safety::review, QStringLiteral("Big file not modified in ") +
-                                             ageText(days) + QStringLiteral(".")};
+                                             Advisor::ageText(days) + QStringLiteral(".")};
     }
 
 private:
@@ -318,6 +312,15 @@ std::array<std::string, 4> Advisor::Context::defaultUserFolders()
             folders[i] = folder;
     }
     return folders;
+}
+
+QString Advisor::ageText(std::int64_t days)
+{
+    if (days >= 730)
+        return QString::number(days / 365) + QStringLiteral(" years");
+    if (days >= 60)
+        return QString::number(days / 30) + QStringLiteral(" months");
+    return QString::number(days) + QStringLiteral(" days");
 }
 
 std::vector<Advice> Advisor::advise(const NodePtr &root, const std::vector<BigFile> &bigFiles,

@@ -4,6 +4,7 @@
 #include "scan/BigFile.h"
 #include "scan/Node.h"
 
+#include <QString>
 #include <array>
 #include <cstdint>
 #include <string>
@@ -38,6 +39,9 @@ struct Context
     // The desktop's user folders, localized names included.
     [[nodiscard]] static std::array<std::string, 4> defaultUserFolders();
 };
+
+// "3 months", "2 years": how old a file or a project is.
+[[nodiscard]] QString ageText(std::int64_t days);
 
 [[nodiscard]] std::vector<Advice> advise(const NodePtr &root, const std::vector<BigFile> &bigFiles,
                                          const Context &context = {});

@@ -116,8 +116,9 @@ private Q_SLOTS:
     }
 
     // One folder of 30 MB (unless told) below home; markers are created on disk first, a name
-    // starting with "@" as a dangling link. An empty reason means nothing is advised; without a
-    // reason only the safety is compared.
+    // starting with "@" as a dangling link, one ending in ":N" changed N days and a half ago, one
+    // ending in "/" as an empty folder of the tree only. An empty reason means nothing is advised;
+    // without a reason only the safety is compared.
     void folderRules_data()
     {
         QTest::addColumn<QByteArray>("folder");
@@ -237,6 +238,66 @@ private Q_SLOTS:
         row("mnt/.Trash/1000", Safety::review, trashReason, {}, false);
         none("mnt/.Trash-x");
         none("mnt/1000");
+
+        row("mvn/target", Safety::rebuild, "Maven build output. `mvn package` recreates it.",
+            {"mvn/pom.xml:90"});
+        row("mvn-old/target", Safety::rebuild,
+            "Maven build output of a project untouched for 8 months. `mvn package` recreates it.",
+            {"mvn-old/pom.xml:240"});
+        row("sbt/target", Safety::rebuild, "sbt build output. `sbt compile` recreates it.",
+            {"sbt/build.sbt"});
+        row("hs/.stack-work", Safety::rebuild, "Stack build output. `stack build` recreates it.",
+            {"hs/stack.yaml"});
+        row("cabal/dist-newstyle", Safety::rebuild,
+            "Cabal build output of a project untouched for 3 months. `cabal build` recreates it.",
+            {"cabal/a.cabal:91", "cabal/b.cabal:400"});
+        kind("cabal2/dist-newstyle", Safety::rebuild, {"cabal2/cabal.project"});
+        none("cabal3/dist-newstyle", {"cabal3/.cabal"});
+        row("ex/deps", Safety::rebuild, "Elixir dependencies. `mix deps.get` fetches them again.",
+            {"ex/mix.exs"});
+        kind("ex/_build", Safety::rebuild, {"ex/mix.exs"});
+        kind("zig/zig-cache", Safety::safe, {"zig/build.zig"});
+        kind("zig/.zig-cache", Safety::safe, {"zig/build.zig"});
+        row("zig/zig-out", Safety::rebuild, "Zig build output. `zig build` recreates it.",
+            {"zig/build.zig"});
+        const QByteArray unity = "unity/ProjectSettings/ProjectVersion.txt";
+        row("unity/obj", Safety::rebuild,
+            "Unity's build files. Unity recreates them when it opens the project.",
+            {unity, "unity/Game.csproj"});
+        kind("unity/Library", Safety::rebuild, {unity});
+        kind("unity/Temp", Safety::rebuild, {unity});
+        none("unity2/Library", {"unity2/ProjectVersion.txt"});
+        row("cs/bin", Safety::rebuild, ".NET build output. `dotnet build` recreates it.",
+            {"cs/App.csproj"});
+        row("fs/obj", Safety::rebuild, ".NET build files. `dotnet build` recreates them.",
+            {"fs/Lib.fsproj"});
+        none("cs2/bin", {"cs2/App.csproj.user"});
+        row("dart/.dart_tool", Safety::rebuild,
+            "Dart tool files. `flutter pub get` or `dart pub get` recreates them.",
+            {"dart/pubspec.yaml"});
+        kind("gd/.godot", Safety::rebuild, {"gd/project.godot"});
+        row("tf/.terraform", Safety::rebuild,
+            "Terraform providers and modules. `terraform init` downloads them again.",
+            {"tf/main.tf"});
+        for (const char *f : {"ue/Intermediate", "ue/DerivedDataCache", "ue/Binaries"})
+            kind(f, Safety::rebuild, {"ue/Game.uproject"});
+        for (const char *f : {".pytest_cache", ".mypy_cache", ".ruff_cache", ".tox", ".nox"})
+            kind(f, Safety::safe);
+        row("cm/out", Safety::rebuild,
+            "CMake build tree. Configuring and building the project again recreates it.",
+            {"cm/out/CMakeCache.txt", "cm/out/CMakeFiles/"});
+        none("cm2/out", {"cm2/out/CMakeFiles/"});
+        none("cm3/out", {"cm3/out/CMakeCache.txt"});
+        none("cm4/src",
+             {"cm4/src/CMakeCache.txt", "cm4/src/CMakeLists.txt", "cm4/src/CMakeFiles/"});
+        none("cm5/out", {"cm5/out/CMakeCache.txt", "cm5/out/CMakeFiles/", "cm5/out/.git/"});
+        none("Documents", {"Documents/CMakeCache.txt", "Documents/CMakeFiles/"});
+        row("bare/build/.pytest_cache", Safety::safe,
+            "pytest cache. Recreated on the next test run.");
+        for (const char *f : {"bare/target", "bare/.stack-work", "bare/dist-newstyle", "bare/deps",
+                              "bare/_build", "bare/zig-out", "bare/Library", "bare/obj", "bare/bin",
+                              "bare/.godot", "bare/Intermediate", "bare/.terraform"})
+            none(f);
     }
 
     void folderRules()
@@ -247,15 +308,21 @@ private Q_SLOTS:
         QFETCH(QString, expected);
 
         const QByteArray home = QByteArray::fromStdString(m_home);
+        HandTree tree(m_home);
         for (const QByteArray &marker : markers) {
-            const QByteArray path = home + '/' + QByteArray(marker).replace("@", "");
+            const QList<QByteArray> parts = QByteArray(marker).replace("@", "").split(':');
+            const QByteArray path = home + '/' + parts[0];
             makePath(path.left(path.lastIndexOf('/')));
-            if (marker.contains('@'))
+            if (marker.endsWith('/'))
+                tree.add(parts[0].chopped(1), 0);
+            else if (marker.contains('@'))
                 makeSymlink("nowhere", path);
             else
                 makeFile(path);
+            if (parts.size() > 1)
+                setModified(path, now - parts[1].toInt() * day - day / 2);
         }
-        const NodePtr root = HandTree(m_home).add(folder, bytes).finished();
+        const NodePtr root = tree.add(folder, bytes).finished();
         const QString got = describe(Advisor::advise(root, {}, m_context), m_home).join('\n');
         if (expected.endsWith(QStringLiteral("] ")))
             QVERIFY2(got.startsWith(expected) && got.size() > expected.size(), qPrintable(got));
