@@ -177,6 +177,12 @@ private Q_SLOTS:
         QVERIFY(lively.animating());
         QVERIFY(maxAlpha(render(lively)) > 0);
 
+        // A minimised window shows nothing, so nothing ticks.
+        host.showMinimized();
+        QTRY_VERIFY(!lively.animating());
+        host.showNormal();
+        QTRY_VERIFY(lively.animating());
+
         lively.setReduceMotion(true);
         QVERIFY(!lively.animating());
         QCOMPARE(maxAlpha(render(lively)), 0);

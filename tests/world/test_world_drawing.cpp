@@ -11,6 +11,7 @@
 #include "world/ui/MapFonts.h"
 #include "world/ui/MonsterGlyph.h"
 #include "world/ui/MonsterSprite.h"
+#include "world/ui/RegionHighlight.h"
 #include "world/ui/WorldCanvas.h"
 #include "world/ui/WorldPalette.h"
 #include "world/ui/WorldScene.h"
@@ -344,6 +345,64 @@ private Q_SLOTS:
         scene.setWorld(build(root, QSizeF(1600, 1200)), QStringLiteral("Realm"));
         (void)scene.grab();
         QCOMPARE(scene.canvas().renders(), drawn);
+    }
+
+    // Small repaints are copied from the scene's kept image: after the hero moved, a spot must
+    // show what a full repaint shows there, never the image from before.
+    void spotsMatchTheWholeView()
+    {
+        Game game;
+        Model model;
+        auto clock = std::make_shared<ManualClock>(1);
+        Player player(clock);
+        const WorldLayout layout = build(sampleLevel(), QSizeF(800, 600));
+        player.update(layout, QSizeF(800, 600));
+        WorldScene scene(model, game, player, true);
+        scene.resize(800, 600);
+        scene.setWorld(layout, QStringLiteral("Realm"));
+        (void)scene.grab(QRect(0, 0, 10, 10)); // fills the kept image
+        player.jump(layout.regions.back().capital);
+        QCoreApplication::processEvents();
+        const QRect spot = QRectF(player.heroPoint() - QPointF(40, 40), QSizeF(80, 80))
+                               .translated(scene.offset())
+                               .toAlignedRect();
+        const QImage part = scene.grab(spot).toImage();
+        QCOMPARE(part, scene.grab().toImage().copy(spot));
+    }
+
+    // The outline is stroked in runs of the segments that reach the painted area, joined where
+    // they follow each other, across the chunks the outline is cut into.
+    void highlightRunsAreTheSegmentsThatReachTheArea()
+    {
+        QPolygonF ring;
+        for (int i = 0; i < 200; ++i)
+            ring << QPointF(300 + 200 * std::cos(i * M_PI / 100),
+                            300 + 200 * std::sin(i * M_PI / 100));
+        QPainterPath shape;
+        shape.addPolygon(ring);
+        RegionHighlight highlight;
+        highlight.prepare(shape);
+        for (const QRectF area : {QRectF(480, 250, 40, 100), QRectF(280, 80, 40, 40),
+                                  QRectF(0, 0, 50, 50), QRectF(90, 90, 420, 420)}) {
+            const QPainterPath runs = highlight.visibleRuns(area);
+            const QRectF near =
+                area.adjusted(-RegionHighlight::lineWidth, -RegionHighlight::lineWidth,
+                              RegionHighlight::lineWidth, RegionHighlight::lineWidth);
+            int segments = 0, starts = 0;
+            bool previous = false;
+            for (int i = 0; i < 200; ++i) {
+                const QRectF box = QRectF(ring[i], ring[(i + 1) % 200]).normalized();
+                const bool reaches = box.adjusted(0, 0, 1e-9, 1e-9).intersects(near);
+                segments += reaches;
+                starts += reaches && !previous;
+                previous = reaches;
+            }
+            int moves = 0;
+            for (int e = 0; e < runs.elementCount(); ++e)
+                moves += runs.elementAt(e).isMoveTo();
+            QCOMPARE(runs.elementCount() - moves, segments);
+            QCOMPARE(moves, starts);
+        }
     }
 
     void glyphSpikesReachWhereTheArtPutsThem()

@@ -2,6 +2,7 @@
 
 #include "platform/Appearance.h"
 
+#include <QPaintEvent>
 #include <QPainter>
 #include <QRadialGradient>
 #include <algorithm>
@@ -10,7 +11,7 @@
 
 namespace {
 
-constexpr int frameMs = 66; // 15 frames a second: motes twinkle slowly
+constexpr int frameMs = 83; // 12 frames a second: motes drift and twinkle slowly
 const QColor warmMote = QColor::fromRgbF(1.0f, 0.9f, 0.45f);
 
 // A filled ellipse whose edge is softened over `blur` points on each side, centred on (0, 0).
@@ -53,6 +54,7 @@ AmbientLayer::AmbientLayer(bool reduceMotion, QWidget *parent)
     setFocusPolicy(Qt::NoFocus);
     m_frames.setInterval(frameMs);
     connect(&m_frames, &QTimer::timeout, this, &AmbientLayer::nextFrame);
+    connect(&m_exposure, &WindowExposure::changed, this, &AmbientLayer::updateTimer);
     m_clock.start();
 }
 
@@ -65,9 +67,17 @@ void AmbientLayer::setReduceMotion(bool on)
     update();
 }
 
+void AmbientLayer::setCovered(const QRegion &covered)
+{
+    if (covered == m_covered)
+        return;
+    m_covered = covered;
+    update();
+}
+
 void AmbientLayer::updateTimer()
 {
-    if (isVisible() && !m_reduceMotion)
+    if (isVisible() && !m_reduceMotion && m_exposure.seen())
         m_frames.start();
     else
         m_frames.stop();
@@ -76,6 +86,7 @@ void AmbientLayer::updateTimer()
 void AmbientLayer::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
+    m_exposure.watch(window()->windowHandle());
     updateTimer();
 }
 
@@ -96,34 +107,40 @@ void AmbientLayer::nextFrame()
         for (const QRect &a : areas)
             dirty += a;
     };
-    add(AmbientGeometry::moteAreas(m_motes, previous, size()));
-    add(AmbientGeometry::moteAreas(m_motes, m_frameTime, size()));
+    // A mote moves less than its size between frames: one rectangle around both places keeps
+    // the region (and what is copied to the screen) to one piece per mote.
+    const std::vector<QRect> before = AmbientGeometry::moteAreas(m_motes, previous, size());
+    const std::vector<QRect> after = AmbientGeometry::moteAreas(m_motes, m_frameTime, size());
+    for (std::size_t i = 0; i < before.size() && i < after.size(); ++i) {
+        const QRect both = before[i] | after[i];
+        if (both.width() <= 2 * after[i].width() && both.height() <= 2 * after[i].height())
+            dirty += both;
+        else // after a pause
+            dirty += QRegion(before[i]) + after[i];
+    }
     if (AmbientGeometry::cloudTime(previous) != AmbientGeometry::cloudTime(m_frameTime)) {
         add(AmbientGeometry::cloudAreas(previous, size()));
         add(AmbientGeometry::cloudAreas(m_frameTime, size()));
     }
-    update(dirty);
+    update(dirty - m_covered);
 }
 
-void AmbientLayer::paintEvent(QPaintEvent *)
+void AmbientLayer::paintEvent(QPaintEvent *event)
 {
     if (m_reduceMotion)
         return;
     QPainter painter(this);
-    paintFrame(painter, size(), m_frameTime, Appearance::isDark(palette()));
+    paintFrame(painter, size(), m_frameTime, Appearance::isDark(palette()),
+               event->region() - m_covered);
 }
 
 const QImage &AmbientLayer::sprite(QSizeF ellipse, double blur, QColor colour, double scale)
 {
-    const QString key = QStringLiteral("%1x%2/%3/%4/%5")
-                            .arg(ellipse.width())
-                            .arg(ellipse.height())
-                            .arg(blur)
-                            .arg(colour.rgba())
-                            .arg(scale);
-    const auto found = m_sprites.constFind(key);
-    if (found != m_sprites.cend())
-        return *found;
+    const SpriteKey key{ellipse, blur, colour.rgba(), scale};
+    for (const auto &[k, image] : m_sprites) {
+        if (k == key)
+            return image;
+    }
     // Only a handful of sizes are live at once (the window's size picks the clouds').
     if (m_sprites.size() > 16)
         m_sprites.clear();
@@ -138,17 +155,27 @@ const QImage &AmbientLayer::sprite(QSizeF ellipse, double blur, QColor colour, d
     painter.translate(logical.width() / 2, logical.height() / 2);
     softEllipse(painter, ellipse, blur, colour);
     painter.end();
-    return *m_sprites.insert(key, image);
+    return m_sprites.emplace_back(key, std::move(image)).second;
 }
 
 // The soft shapes are drawn once into images and only copied afterwards: filling big radial
-// gradients thirty times a second would keep the interface thread busy.
-void AmbientLayer::paintFrame(QPainter &painter, QSizeF size, double t, bool dark)
+// gradients thirty times a second would keep the interface thread busy. Each copy is cropped to
+// the pieces of `area` it reaches: a cloud clipped by a scatter of small spots would still cost its
+// whole height.
+void AmbientLayer::paintFrame(QPainter &painter, QSizeF size, double t, bool dark,
+                              const QRegion &area)
 {
     const double scale = painter.device() ? painter.device()->devicePixelRatioF() : 1.0;
     const auto stamp = [&](const QRectF &ellipse, double blur, const QColor &colour) {
         const QImage &image = sprite(ellipse.size(), blur, colour, scale);
-        painter.drawImage(ellipse.topLeft() - QPointF(blur, blur), image);
+        const QRectF placed(ellipse.topLeft() - QPointF(blur, blur), QSizeF(image.size()) / scale);
+        for (const QRect &piece : area) {
+            const QRectF part = placed & QRectF(piece);
+            if (!part.isEmpty())
+                painter.drawImage(
+                    part, image,
+                    QRectF((part.topLeft() - placed.topLeft()) * scale, part.size() * scale));
+        }
     };
     painter.save();
     QColor shadow(Qt::black);
@@ -164,4 +191,9 @@ void AmbientLayer::paintFrame(QPainter &painter, QSizeF size, double t, bool dar
         stamp(AmbientGeometry::moteRect(m, t, size), AmbientGeometry::moteBlur, mote);
     }
     painter.restore();
+}
+
+void AmbientLayer::paintFrame(QPainter &painter, QSizeF size, double t, bool dark)
+{
+    paintFrame(painter, size, t, dark, QRegion(QRectF({0, 0}, size).toAlignedRect()));
 }

@@ -1,16 +1,19 @@
 #pragma once
 
 #include "magic/AmbientGeometry.h"
+#include "platform/WindowExposure.h"
 
 #include <QElapsedTimer>
-#include <QHash>
 #include <QImage>
+#include <QRegion>
 #include <QTimer>
 #include <QWidget>
 #include <array>
+#include <utility>
+#include <vector>
 
 // Drifting cloud shadows and twinkling motes over the map. Each frame repaints only where the
-// shapes were and are (the map below repaints those spots from its cache), motes 15 times a second
+// shapes were and are (the map below repaints those spots from its cache), motes 12 times a second
 // and clouds when they move. With reduce motion it draws nothing. Mouse events pass through.
 class AmbientLayer : public QWidget
 {
@@ -22,9 +25,14 @@ public:
     [[nodiscard]] bool reduceMotion() const { return m_reduceMotion; }
     void setReduceMotion(bool on);
     [[nodiscard]] bool animating() const { return m_frames.isActive(); }
+    // Where controls lie over the layer: nothing is drawn there, so a mote drifting by never
+    // makes them repaint.
+    void setCovered(const QRegion &covered);
 
     // One frame at `t` seconds over a layer of `size`.
     void paintFrame(QPainter &painter, QSizeF size, double t, bool dark);
+    // Only the part of that frame inside `area`.
+    void paintFrame(QPainter &painter, QSizeF size, double t, bool dark, const QRegion &area);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -41,5 +49,15 @@ private:
     QTimer m_frames;
     QElapsedTimer m_clock;
     double m_frameTime = 0; // what every paint shows, in seconds
-    QHash<QString, QImage> m_sprites;
+    struct SpriteKey
+    {
+        QSizeF ellipse;
+        double blur = 0;
+        QRgb colour = 0;
+        double scale = 1;
+        bool operator==(const SpriteKey &) const = default;
+    };
+    std::vector<std::pair<SpriteKey, QImage>> m_sprites;
+    QRegion m_covered;
+    WindowExposure m_exposure;
 };

@@ -17,6 +17,9 @@ Confetti::Confetti(Game &game, QWidget *parent)
     setFocusPolicy(Qt::NoFocus);
     m_frames.setInterval(16);
     connect(&m_frames, &QTimer::timeout, this, &Confetti::step);
+    // Hidden between bursts: a transparent layer over the window would otherwise repaint with
+    // every small change beneath it.
+    hide();
     connect(&m_game, &Game::confettiChanged, this, [this] {
         if (const std::optional<QDateTime> &start = m_game.confetti())
             burst(*start);
@@ -41,7 +44,7 @@ void Confetti::setReduceMotion(bool on)
     m_reduceMotion = on;
     if (on) {
         m_frames.stop();
-        update();
+        hide();
     }
 }
 
@@ -67,6 +70,7 @@ void Confetti::burst(const QDateTime &start)
     if (m_reduceMotion)
         return;
     m_frames.start();
+    show();
     update();
 }
 
@@ -77,8 +81,10 @@ double Confetti::elapsed() const
 
 void Confetti::step()
 {
-    if (elapsed() >= lifetime)
+    if (elapsed() >= lifetime) {
         m_frames.stop();
+        hide();
+    }
     update();
 }
 

@@ -12,7 +12,16 @@ SwayingBroom::SwayingBroom(bool reduceMotion, QWidget *parent)
     setFixedSize(sizeHint());
     m_frames.setInterval(16);
     connect(&m_frames, &QTimer::timeout, this, qOverload<>(&QWidget::update));
+    connect(&m_exposure, &WindowExposure::changed, this, &SwayingBroom::updateTimer);
     m_clock.start();
+}
+
+void SwayingBroom::updateTimer()
+{
+    if (isVisible() && !m_reduceMotion && m_exposure.seen())
+        m_frames.start();
+    else
+        m_frames.stop();
 }
 
 double SwayingBroom::angle(double seconds)
@@ -22,13 +31,13 @@ double SwayingBroom::angle(double seconds)
 
 void SwayingBroom::showEvent(QShowEvent *)
 {
-    if (!m_reduceMotion)
-        m_frames.start();
+    m_exposure.watch(window()->windowHandle());
+    updateTimer();
 }
 
 void SwayingBroom::hideEvent(QHideEvent *)
 {
-    m_frames.stop();
+    updateTimer();
 }
 
 void SwayingBroom::paintEvent(QPaintEvent *)

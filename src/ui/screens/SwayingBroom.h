@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/WindowExposure.h"
+
 #include <QElapsedTimer>
 #include <QTimer>
 #include <QWidget>
@@ -25,7 +27,10 @@ protected:
     void hideEvent(QHideEvent *event) override;
 
 private:
+    void updateTimer();
+
     bool m_reduceMotion;
+    WindowExposure m_exposure;
     QTimer m_frames;
     QElapsedTimer m_clock;
 };

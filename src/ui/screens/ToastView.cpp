@@ -126,6 +126,11 @@ void ToastView::repaintCards()
             now |= cardRect(*card).adjusted(-shadow, -shadow, shadow, shadow).toAlignedRect();
     update(now | m_painted);
     m_painted = now;
+    // Hidden while empty: a transparent layer over the window would otherwise repaint with every
+    // small change beneath it.
+    const bool cards = m_current || m_leaving;
+    if (isHidden() == cards)
+        setVisible(cards);
 }
 
 void ToastView::resizeEvent(QResizeEvent *)

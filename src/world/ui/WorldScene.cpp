@@ -30,6 +30,12 @@ WorldScene::WorldScene(Model &model, Game &game, Player &player, bool reduceMoti
     m_frames.setInterval(framePeriod);
     m_frames.setTimerType(Qt::PreciseTimer);
     connect(&m_frames, &QTimer::timeout, this, &WorldScene::frame);
+    connect(&m_exposure, &WindowExposure::changed, this, [this] {
+        if (m_exposure.seen())
+            startFrames(); // stops again at once when nothing moves
+        else
+            m_frames.stop();
+    });
 
     connect(&m_player, &Player::posChanged, this, &WorldScene::heroMoved);
     connect(&m_player, &Player::facingLeftChanged, this, &WorldScene::heroMoved);
@@ -37,7 +43,7 @@ WorldScene::WorldScene(Model &model, Game &game, Player &player, bool reduceMoti
     connect(&m_player, &Player::regionIndexChanged, this, &WorldScene::regionChanged);
     connect(&m_player, &Player::effectsChanged, this, [this] {
         startFrames();
-        update();
+        invalidate(rect());
     });
     connect(m_hero, &HeroLayer::changed, this, [this] {
         m_hero->place(offset());
@@ -80,7 +86,7 @@ void WorldScene::setWorld(const WorldLayout &layout, const QString &title)
     m_sprites = std::move(sprites);
     m_hero->place(offset());
     startFrames();
-    update();
+    invalidate(rect());
 }
 
 void WorldScene::dyingChanged()
@@ -93,7 +99,7 @@ void WorldScene::dyingChanged()
             s.setDeath(MonsterSprite::Death{now, dying->xpt});
     }
     startFrames();
-    update();
+    invalidate(rect());
 }
 
 void WorldScene::heroMoved()
@@ -101,7 +107,7 @@ void WorldScene::heroMoved()
     const QPointF o = offset();
     const QRectF hero = m_hero->bounds(m_player.clock().now());
     if (o != m_lastOffset) {
-        update();
+        invalidate(rect());
     } else {
         updateWorldRect(hero | m_lastHero);
     }
@@ -118,12 +124,12 @@ void WorldScene::updateWorldRect(const QRectF &worldRect)
 {
     if (worldRect.isEmpty())
         return;
-    update(worldRect.translated(offset()).toAlignedRect().adjusted(-1, -1, 1, 1));
+    invalidate(worldRect.translated(offset()).toAlignedRect().adjusted(-1, -1, 1, 1));
 }
 
 void WorldScene::startFrames()
 {
-    if (!m_frames.isActive())
+    if (!m_frames.isActive() && m_exposure.seen())
         m_frames.start();
 }
 
@@ -151,7 +157,7 @@ void WorldScene::frame()
         return;
     }
     if (full) {
-        update();
+        invalidate(rect());
         return;
     }
     const QRectF visible = QRectF(rect()).translated(-offset());
@@ -161,10 +167,41 @@ void WorldScene::frame()
     }
 }
 
+// The view is kept in an image as well: the ambient layer above repaints small spots fifteen times
+// a second, and copying them from the image is far cheaper than drawing the monsters and the
+// outline again. What the scene itself changes is marked stale and drawn again before copying;
+// a paint of the whole view (a scroll, a new island) goes straight to the screen and leaves the
+// image to catch up when it is next needed.
 void WorldScene::paintEvent(QPaintEvent *event)
 {
+    const double dpr = devicePixelRatioF();
+    const QSize pixels = (QSizeF(size()) * dpr).toSize();
+    if (m_view.size() != pixels || m_view.devicePixelRatio() != dpr) {
+        m_view = QImage(pixels, QImage::Format_RGB32);
+        m_view.setDevicePixelRatio(dpr);
+        m_stale = rect();
+    }
     QPainter painter(this);
-    paintFrame(painter, event->region());
+    const QRegion &dirty = event->region();
+    if ((QRegion(rect()) - dirty).isEmpty()) {
+        m_stale = rect();
+        paintFrame(painter, dirty);
+        return;
+    }
+    if (!m_stale.isEmpty()) {
+        QPainter view(&m_view);
+        view.setClipRegion(m_stale);
+        paintFrame(view, m_stale);
+        m_stale = {};
+    }
+    for (const QRect &r : dirty)
+        painter.drawImage(r, m_view, QRectF(QRectF(r).topLeft() * dpr, QSizeF(r.size()) * dpr));
+}
+
+void WorldScene::invalidate(const QRect &area)
+{
+    m_stale += area & rect();
+    update(area);
 }
 
 void WorldScene::paintFrame(QPainter &painter, const QRectF &viewRect)
@@ -207,13 +244,20 @@ void WorldScene::paintLand(QPainter &painter, const QRectF &world, const QColor 
             s.paint(painter, m_stamps, now, m_reduceMotion);
     }
     if (m_lastHighlight.intersects(world))
-        RegionHighlight::paint(painter, m_player, ink, world);
+        m_highlight.paint(painter, m_player, ink, world);
     if (m_lastHero.intersects(world))
         m_hero->paint(painter, m_stamps, now);
     for (const MonsterSprite &s : m_sprites)
         s.paintReward(painter, now);
     if (!m_player.effects().empty())
         SpellFXLayer::paint(painter, m_player, now, palette());
+}
+
+void WorldScene::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    m_exposure.watch(window()->windowHandle());
+    startFrames();
 }
 
 void WorldScene::resizeEvent(QResizeEvent *event)
@@ -225,6 +269,6 @@ void WorldScene::resizeEvent(QResizeEvent *event)
 void WorldScene::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::PaletteChange)
-        update();
+        invalidate(rect());
     QWidget::changeEvent(event);
 }

@@ -1,10 +1,14 @@
 #pragma once
 
+#include "platform/WindowExposure.h"
 #include "world/ui/HeroLayer.h"
 #include "world/ui/MonsterSprite.h"
+#include "world/ui/RegionHighlight.h"
 #include "world/ui/Stamps.h"
 #include "world/ui/WorldCanvas.h"
 
+#include <QImage>
+#include <QRegion>
 #include <QTimer>
 #include <QWidget>
 #include <vector>
@@ -48,6 +52,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void showEvent(QShowEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;
 
@@ -60,6 +65,8 @@ private:
     void startFrames();
     void frame();
     void updateWorldRect(const QRectF &worldRect);
+    // Repaints `area` (widget coordinates) because the scene changed there.
+    void invalidate(const QRect &area);
 
     Model &m_model;
     Game &m_game;
@@ -67,10 +74,14 @@ private:
     bool m_reduceMotion;
     WorldCanvas m_canvas;
     Stamps m_stamps;
+    RegionHighlight m_highlight;
     std::vector<MonsterSprite> m_sprites;
     HeroLayer *m_hero;
     QTimer m_frames;
+    WindowExposure m_exposure;
     QPointF m_lastOffset;
     QRectF m_lastHero;
     QRectF m_lastHighlight;
+    QImage m_view; // what the widget shows, where m_stale does not say otherwise
+    QRegion m_stale;
 };

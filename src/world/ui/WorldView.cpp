@@ -443,10 +443,14 @@ void WorldView::placeOverlays()
     // The hero keeps out from under the controls, by the half of his glyph.
     const int half = int(HeroLayer::glyphSize / 2) + 1;
     std::vector<QRectF> covered;
+    QRegion controlsArea;
     for (const QWidget *w : {static_cast<QWidget *>(m_miniMap), static_cast<QWidget *>(m_controls),
-                             static_cast<QWidget *>(m_spellBar)})
+                             static_cast<QWidget *>(m_spellBar)}) {
         covered.emplace_back(QRectF(w->geometry()).adjusted(-half, -half, half, half));
+        controlsArea += w->geometry();
+    }
     m_player->setCoveredAreas(std::move(covered));
+    m_ambient->setCovered(controlsArea);
     m_ambient->lower();
     m_scene->lower();
 }
