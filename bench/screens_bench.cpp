@@ -3,10 +3,10 @@
 // 2,000 recommendations (built by Model::setAdvice, then scrolled a row at a time). A build is
 // measured up to its first rendered frame; a scroll frame is the scroll, the pending events and
 // the rendering. QWidget::render first walks every descendant of the view, so a frame of the
-// board also pays for a pass over all of its rows' widgets that an on-screen update skips.
+// board also pays for a pass over the rows made so far, which an on-screen update skips.
 //
 //   screens_bench [--frames=N]
-// prints "ranking-build-ms", "ranking-scroll-frame-ms", "board-clear-ms", "board-build-ms" and
+// prints "ranking-build-ms", "ranking-scroll-frame-ms", "board-clear-ms", "board-2000-build-ms" and
 // "board-scroll-frame-ms" (means, in milliseconds).
 
 #include "advisor/Advice.h"
@@ -304,7 +304,7 @@ int main(int argc, char *argv[])
     }
     flushDeletes();
 
-    // Bounty board: one row widget per recommendation, all built at once.
+    // Bounty board: row widgets made as they come into view.
     const std::vector<Advice> advice = makeAdvice(model.root());
     double boardClearMs = 0;
     double boardBuildMs = 0;
@@ -317,12 +317,6 @@ int main(int argc, char *argv[])
         board.show();
         settle();
         render(board, image);
-        const auto builtRows = [&board] {
-            int n = 0;
-            for (const BountyRow *row : board.findChildren<BountyRow *>())
-                n += row->isVisible() && row->height() > 0 ? 1 : 0;
-            return n;
-        };
         constexpr int builds = 2; // after one that also fills the font, glyph and icon caches
         for (int i = 0; i < builds + 1; ++i) {
             timer.start();
@@ -331,7 +325,7 @@ int main(int argc, char *argv[])
             render(board, image);
             if (i > 0)
                 boardClearMs += msSince(timer);
-            check(builtRows() == 0, "the board was not cleared");
+            check(board.createdRows() == 0, "the board was not cleared");
             flushDeletes();
 
             std::vector<Advice> items = advice;
@@ -341,7 +335,8 @@ int main(int argc, char *argv[])
             render(board, image);
             if (i > 0)
                 boardBuildMs += msSince(timer);
-            check(builtRows() == adviceCount, "the board did not build every row");
+            check(board.createdRows() > 0 && board.createdRows() < adviceCount,
+                  "the board did not build just the rows in view");
             flushDeletes();
         }
         boardClearMs /= builds;
@@ -362,7 +357,7 @@ int main(int argc, char *argv[])
     std::printf("ranking-build-ms %.3f\n", rankingBuildMs);
     std::printf("ranking-scroll-frame-ms %.3f\n", rankingScrollMs);
     std::printf("board-clear-ms %.3f\n", boardClearMs);
-    std::printf("board-build-ms %.3f\n", boardBuildMs);
+    std::printf("board-2000-build-ms %.3f\n", boardBuildMs);
     std::printf("board-scroll-frame-ms %.3f\n", boardScrollMs);
     return 0;
 }

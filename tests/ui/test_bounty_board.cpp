@@ -13,6 +13,8 @@
 #include <QMenu>
 #include <QPointer>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QToolButton>
 
 using namespace Fixtures;
@@ -271,6 +273,31 @@ private Q_SLOTS:
         QTRY_VERIFY(!cache);
         QCOMPARE(board.rows().size(), 4u);
         QVERIFY(blasts().isEmpty());
+    }
+
+    // A long board makes the rows near the view only, and the rest as they scroll in, each
+    // where a full column would have put it.
+    void rowsAreMadeAsTheyScrollIn()
+    {
+        std::vector<Advice> many;
+        for (int i = 0; i < 300; ++i)
+            many.push_back(fileAdvice(makeTree().toStdString() + "/old.iso", Advice::Safety::review,
+                                      std::uint64_t(300 - i) * MB));
+        m_s->model->setAdvice(many);
+        BountyView board(*m_s->model, *m_s->game);
+        board.resize(900, 700);
+        board.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&board));
+        QTRY_VERIFY(board.createdRows() > 5);
+        QVERIFY(board.createdRows() < 100);
+        auto *area = board.findChild<QScrollArea *>();
+        area->verticalScrollBar()->setValue(area->verticalScrollBar()->maximum());
+        QTRY_VERIFY(board.createdRows() > 30);
+        const std::vector<BountyRow *> rows = board.rows();
+        QCOMPARE(rows.size(), 300u);
+        QVERIFY(rows.back()->visibleRegion().boundingRect().height() > 0);
+        const int pitch = rows[1]->y() - rows[0]->y();
+        QCOMPARE(rows[299]->y() - rows[0]->y(), 299 * pitch);
     }
 
     void slayingEverythingClearsTheBoard()

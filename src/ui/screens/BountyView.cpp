@@ -6,6 +6,7 @@
 #include "platform/Icons.h"
 #include "scan/Fmt.h"
 #include "session/Model.h"
+#include "ui/screens/BountyList.h"
 #include "ui/screens/BountyRow.h"
 #include "ui/screens/ProminentButton.h"
 #include "ui/screens/TextStyle.h"
@@ -67,6 +68,9 @@ BountyView::BountyView(Model &model, Game &game, QWidget *parent)
     m_scroll->viewport()->setAutoFillBackground(false);
     addWidget(m_empty);
     addWidget(m_scroll);
+    connect(m_scroll->verticalScrollBar(), &QScrollBar::valueChanged, this,
+            &BountyView::materializeVisible);
+    m_scroll->viewport()->installEventFilter(this);
     setAccessibleName(tr("Bounty board"));
 
     m_countDown.setDuration(450);
@@ -130,7 +134,40 @@ bool BountyView::showsEmptyBoard()
 std::vector<BountyRow *> BountyView::rows()
 {
     rebuildIfStale();
-    return m_rows;
+    std::vector<BountyRow *> rows;
+    for (BountyList *list : m_lists)
+        for (int i = 0; i < list->count(); ++i)
+            rows.push_back(list->row(i));
+    return rows;
+}
+
+int BountyView::createdRows() const
+{
+    int n = 0;
+    for (const BountyList *list : m_lists)
+        n += list->createdRows();
+    return n;
+}
+
+bool BountyView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Resize)
+        QTimer::singleShot(0, this, &BountyView::materializeVisible); // once the layout has run
+    return QStackedWidget::eventFilter(watched, event);
+}
+
+void BountyView::materializeVisible()
+{
+    const QWidget *board = m_scroll->widget();
+    if (!board)
+        return;
+    // One screen ahead in both directions, so scrolling and tabbing find rows already there.
+    const int view = m_scroll->viewport()->height();
+    const int top = m_scroll->verticalScrollBar()->value() - view;
+    for (BountyList *list : m_lists) {
+        const int y = list->mapTo(board, QPoint(0, 0)).y();
+        list->materialize(top - y, top + 3 * view - y);
+    }
 }
 
 ProminentButton *BountyView::slayAllButton()
@@ -146,7 +183,7 @@ void BountyView::rebuildIfStale()
     m_stale = false;
     if (m_model.advice().empty()) {
         setCurrentWidget(m_empty);
-        m_rows.clear();
+        m_lists.clear();
         m_slayAll = nullptr;
         m_safeTotal = 0;
         delete m_scroll->takeWidget();
@@ -159,7 +196,7 @@ void BountyView::rebuildIfStale()
 void BountyView::buildBoard()
 {
     const int scrolled = m_scroll->verticalScrollBar()->value();
-    m_rows.clear();
+    m_lists.clear();
     m_slayAll = nullptr;
     m_countDown.stop();
     auto *board = new QWidget;
@@ -214,7 +251,9 @@ void BountyView::buildBoard()
 
     delete m_scroll->takeWidget();
     m_scroll->setWidget(board);
+    column->activate();
     m_scroll->verticalScrollBar()->setValue(scrolled);
+    materializeVisible();
 }
 
 void BountyView::showSafeTotal(std::uint64_t bytes)
@@ -268,13 +307,8 @@ void BountyView::addGroup(QVBoxLayout *column, Advice::Safety safety)
     TextStyle::makeSecondary(description);
     group->addWidget(description);
 
-    auto *list = new QVBoxLayout;
-    list->setSpacing(2);
-    for (Advice &item : items) {
-        auto *row = new BountyRow(m_model, m_game, std::move(item), board);
-        m_rows.push_back(row);
-        list->addWidget(row);
-    }
-    group->addLayout(list);
+    auto *list = new BountyList(m_model, m_game, std::move(items), board);
+    m_lists.push_back(list);
+    group->addWidget(list);
     column->addLayout(group);
 }

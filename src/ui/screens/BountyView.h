@@ -6,6 +6,7 @@
 #include <QVariantAnimation>
 #include <vector>
 
+class BountyList;
 class BountyRow;
 class Game;
 class Model;
@@ -14,7 +15,8 @@ class QScrollArea;
 class QVBoxLayout;
 
 // The advisor's recommendations as a bounty board: totals, one button for every safe item, and
-// one group per safety class. An empty list shows the cleared board instead.
+// one group per safety class, whose rows are made as they scroll into view. An empty list shows
+// the cleared board instead.
 class BountyView : public QStackedWidget
 {
     Q_OBJECT
@@ -26,7 +28,10 @@ public:
 
     // Everything below rebuilds first when the board is stale.
     [[nodiscard]] bool showsEmptyBoard();
+    // Every row, made if it was not yet.
     [[nodiscard]] std::vector<BountyRow *> rows();
+    // Rows made so far: those that came near the visible part of the board.
+    [[nodiscard]] int createdRows() const;
     // Absent when no item is safe to slay from here.
     [[nodiscard]] ProminentButton *slayAllButton();
     // The safe items: safe, actionable and allowed by the protected-item rule.
@@ -34,6 +39,7 @@ public:
 
 protected:
     void showEvent(QShowEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void changeEvent(QEvent *event) override;
 
 private:
@@ -42,13 +48,14 @@ private:
     void buildBoard();
     void addGroup(QVBoxLayout *column, Advice::Safety safety);
     void showSafeTotal(std::uint64_t bytes);
+    void materializeVisible();
 
     Model &m_model;
     Game &m_game;
     QWidget *m_empty;
     QScrollArea *m_scroll;
     ProminentButton *m_slayAll = nullptr;
-    std::vector<BountyRow *> m_rows;
+    std::vector<BountyList *> m_lists;
     std::uint64_t m_safeTotal = 0;
     QVariantAnimation m_countDown;
     bool m_stale = true;

@@ -13,6 +13,7 @@
 #include <QPainter>
 #include <cmath>
 #include <map>
+#include <utility>
 
 namespace {
 
@@ -35,6 +36,7 @@ WorldScene::WorldScene(Model &model, Game &game, Player &player, bool reduceMoti
             startFrames(); // stops again at once when nothing moves
         else
             m_frames.stop();
+        paintDue();
     });
 
     connect(&m_player, &Player::posChanged, this, &WorldScene::heroMoved);
@@ -154,20 +156,22 @@ void WorldScene::frame()
     }
     if (!any) {
         m_frames.stop();
+        paintDue();
         return;
     }
     if (full) {
         invalidate(rect());
-        return;
+    } else {
+        const QRectF visible = QRectF(rect()).translated(-offset());
+        for (const QRectF &r : dirty) {
+            if (r.intersects(visible))
+                updateWorldRect(r);
+        }
     }
-    const QRectF visible = QRectF(rect()).translated(-offset());
-    for (const QRectF &r : dirty) {
-        if (r.intersects(visible))
-            updateWorldRect(r);
-    }
+    paintDue();
 }
 
-// The view is kept in an image as well: the ambient layer above repaints small spots fifteen times
+// The view is kept in an image as well: the ambient layer above repaints small spots twelve times
 // a second, and copying them from the image is far cheaper than drawing the monsters and the
 // outline again. What the scene itself changes is marked stale and drawn again before copying;
 // a paint of the whole view (a scroll, a new island) goes straight to the screen and leaves the
@@ -200,8 +204,20 @@ void WorldScene::paintEvent(QPaintEvent *event)
 
 void WorldScene::invalidate(const QRect &area)
 {
-    m_stale += area & rect();
-    update(area);
+    const QRect part = area & rect();
+    m_stale += part;
+    // While frames run, changes wait for the next one: the hero's timer and the frame timer tick
+    // out of step, and each would otherwise bring a paint of its own.
+    if (m_frames.isActive())
+        m_due += part;
+    else
+        update(part);
+}
+
+void WorldScene::paintDue()
+{
+    if (!m_due.isEmpty())
+        update(std::exchange(m_due, {}));
 }
 
 void WorldScene::paintFrame(QPainter &painter, const QRectF &viewRect)

@@ -67,6 +67,7 @@ private:
     void updateWorldRect(const QRectF &worldRect);
     // Repaints `area` (widget coordinates) because the scene changed there.
     void invalidate(const QRect &area);
+    void paintDue();
 
     Model &m_model;
     Game &m_game;
@@ -84,4 +85,5 @@ private:
     QRectF m_lastHighlight;
     QImage m_view; // what the widget shows, where m_stale does not say otherwise
     QRegion m_stale;
+    QRegion m_due; // to repaint at the next frame
 };
