@@ -1,3 +1,4 @@
+#include "session/Model.h"
 #include "snapshot/ByteWriter.h"
 #include "snapshot/SnapshotCodec.h"
 #include "snapshot/SnapshotStore.h"
@@ -80,6 +81,43 @@ private Q_SLOTS:
             QCOMPARE(s->folder(*i).files, n.files());
             QCOMPARE(s->grown(n), 0);
         });
+    }
+
+    void growthSinceTheLastScan_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<qint64>("grown");
+        const qint64 block = 512;
+        QTest::newRow("new, with all it holds") << "new" << 101 * block;
+        QTest::newRow("inside a new one") << "new/inner" << block;
+        QTest::newRow("grown") << "music" << 4096 * block;
+        QTest::newRow("shrunk: a sub-folder vanished") << "docs" << -2048 * block;
+        QTest::newRow("unchanged") << "docs/kept" << qint64(0);
+        QTest::newRow("the root: everything, the vanished too") << "" << (9293 - 15337) * block;
+    }
+    void growthSinceTheLastScan()
+    {
+        QFETCH(QString, path);
+        QFETCH(qint64, grown);
+        constexpr std::uint64_t b = 512;
+        const NodePtr before = memoryTree("/h", {{"docs", 1000 * b},
+                                                 {"docs/kept", 0},
+                                                 {"docs/old", 2048 * b},
+                                                 {"music", 4096 * b},
+                                                 {"gone", 8192 * b},
+                                                 {"gone/deep", b}});
+        const NodePtr after = memoryTree("/h", {{"docs", 1000 * b},
+                                                {"docs/kept", 0},
+                                                {"music", 8192 * b},
+                                                {"new", 100 * b},
+                                                {"new/inner", b}});
+        const std::optional<Snapshot> then = SnapshotCodec::unpack(packed(before), "/h");
+        QVERIFY(then);
+        const NodePtr node = Model::find(after, path.isEmpty() ? "/h" : "/h/" + path.toStdString());
+        QCOMPARE(then->grown(*node), grown);
+        QCOMPARE(then->grown(*node, then->find(*node)), grown);
+        // A folder of another tree has no counterpart at all.
+        QVERIFY(!then->find(*sample()->children().front()));
     }
 
     void damagedForeignOrOtherRootReadsAsNothing_data()
