@@ -21,6 +21,8 @@ struct CommandLine
     std::optional<Scanner::Walk> walk;
     Appearance appearance = Appearance::system;
     bool reduceMotion = false;
+    // Read and write remembered scans (growth since the last scan, true progress).
+    bool remember = true;
     bool help = false;
     bool version = false;
 

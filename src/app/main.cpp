@@ -95,8 +95,7 @@ int main(int argc, char *argv[])
         return 2;
     }
     if (cl.report || !hasDisplay())
-        return runHeadlessReport(path, cl.report.value_or(CommandLine::ReportFormat::text),
-                                 cl.depth, cl.walk);
+        return runHeadlessReport(path, cl);
     if (named)
         cl.scanPath = path;
     return runWindow(argc, argv, cl);

@@ -97,3 +97,21 @@ QString Fmt::files(std::int64_t n)
 {
     return counted(n, "file", "files");
 }
+
+QString Fmt::growth(std::int64_t n)
+{
+    if (n == 0)
+        return QStringLiteral("±0");
+    const std::uint64_t magnitude = n < 0 ? 0 - std::uint64_t(n) : std::uint64_t(n);
+    return (n < 0 ? QStringLiteral("−") : QStringLiteral("+")) + bytes(magnitude);
+}
+
+QString Fmt::day(const QDateTime &when)
+{
+    return QLocale::c().toString(when.toLocalTime(), QStringLiteral("d MMM"));
+}
+
+QString Fmt::moment(const QDateTime &when)
+{
+    return QLocale::c().toString(when.toLocalTime(), QStringLiteral("d MMM yyyy, HH:mm"));
+}
