@@ -249,7 +249,7 @@ int main(int argc, char *argv[])
     game.unlock(QStringLiteral("first_blood"));
     for (const auto scheme : schemes) {
         setScheme(scheme);
-        CharacterSheet sheet(game, magic);
+        CharacterSheet sheet(game, magic, model.memory());
         sheet.show();
         QTest::qWait(700);
         save(sheet, "sheet-top", scheme);

@@ -8,15 +8,18 @@
 #include "session/SlayRules.h"
 #include "sound/Sound.h"
 
+#include <QSysInfo>
 #include <QtConcurrent/QtConcurrentRun>
 #include <algorithm>
 
 Model::Model(QObject *parent)
-    : QObject(parent), m_scanPath(Home::path()), m_trash(std::make_unique<FreedesktopTrash>()),
-      m_desktop(std::make_unique<Desktop>())
+    : QObject(parent), m_scanPath(Home::path()), m_memory(new ScanMemory(SnapshotStore(), this)),
+      m_trash(std::make_unique<FreedesktopTrash>()), m_desktop(std::make_unique<Desktop>())
 {
     m_timer.setInterval(150);
     connect(&m_timer, &QTimer::timeout, this, &Model::tick);
+    // Forgotten means forgotten: what grew since then is no longer known either.
+    connect(m_memory, &ScanMemory::forgotten, this, [this] { setPrevious(nullptr); });
 }
 
 Model::~Model()
@@ -74,6 +77,27 @@ void Model::setPartial(std::vector<NodePtr> partial)
 {
     m_partial = std::move(partial);
     Q_EMIT partialChanged();
+}
+
+void Model::setPrevious(std::shared_ptr<const Snapshot> previous)
+{
+    if (previous == m_previous)
+        return;
+    m_previous = std::move(previous);
+    Q_EMIT previousChanged();
+}
+
+std::optional<std::int64_t> Model::grown(const Node &node) const
+{
+    return m_previous ? std::optional(m_previous->grown(node)) : std::nullopt;
+}
+
+std::optional<ScanEstimate::Guess> Model::estimate() const
+{
+    if (!m_scanning || !m_estimate)
+        return std::nullopt;
+    return m_estimate->at(m_progress, std::chrono::duration_cast<std::chrono::milliseconds>(
+                                          std::chrono::steady_clock::now() - m_scanStarted));
 }
 
 void Model::setMetric(Metric metric)
@@ -138,6 +162,14 @@ void Model::scan(Game &game)
     scanner->setForeground(m_interface->foreground());
     m_scanner = scanner;
     const std::string path = m_scanPath;
+    // The last scan of this folder: its totals now, for a true progress, its tree at the end.
+    const bool remember = m_memory->enabled();
+    const std::optional<SnapshotSummary> known =
+        remember ? m_memory->store().summary(path) : std::nullopt;
+    m_estimate.reset();
+    if (known)
+        m_estimate.emplace(known->files, known->size);
+    m_scanStarted = std::chrono::steady_clock::now();
 
     setScanning(true);
     setRoot(nullptr);
@@ -151,12 +183,22 @@ void Model::scan(Game &game)
 
     const Advisor::Context context;
     QPointer<Game> weakGame(&game);
-    QtConcurrent::run([scanner, path, context] {
+    const QDateTime started = QDateTime::currentDateTimeUtc();
+    QtConcurrent::run([scanner, path, context, remember, store = m_memory->store(),
+                       load = known.has_value(), started] {
         ScanResult result;
         result.root = scanner->scan(path);
-        if (result.root) {
-            result.bigFiles = scanner->bigFiles();
-            result.advice = Advisor::advise(result.root, result.bigFiles, context);
+        if (!result.root)
+            return result;
+        result.bigFiles = scanner->bigFiles();
+        result.advice = Advisor::advise(result.root, result.bigFiles, context);
+        if (load)
+            result.previous = store.load(path);
+        // Flattened here, while no other thread can reach the tree; a folder that could not be
+        // read is not remembered as empty.
+        if (remember && scanner->gaps().rootError == 0) {
+            result.remember = SnapshotCodec::flatten(*result.root, result.bigFiles, started,
+                                                     QSysInfo::machineHostName());
         }
         return result;
     }).then(this, [this, scanner, weakGame](ScanResult result) {
@@ -194,6 +236,10 @@ void Model::finishScan(const std::shared_ptr<Scanner> &scanner, ScanResult resul
     if (!result.root)
         return;
 
+    if (result.remember)
+        m_memory->remember(std::move(*result.remember));
+    setPrevious(result.previous ? std::make_shared<const Snapshot>(std::move(*result.previous))
+                                : nullptr);
     m_bigFiles = std::move(result.bigFiles);
     setRoot(result.root);
     setCurrent(result.root);

@@ -6,9 +6,12 @@
 #include "platform/TrashCan.h"
 #include "scan/BigFile.h"
 #include "scan/Node.h"
+#include "scan/ScanEstimate.h"
 #include "scan/Scanner.h"
 #include "session/InterfaceWatch.h"
+#include "session/ScanMemory.h"
 #include "session/Tile.h"
+#include "snapshot/Snapshot.h"
 #include "sound/Sfx.h"
 
 #include <QObject>
@@ -88,6 +91,14 @@ public:
     [[nodiscard]] double zoomScale() const { return zoomScales[std::size_t(m_zoomLevel)]; }
     [[nodiscard]] const std::shared_ptr<Scanner> &scanner() const { return m_scanner; }
 
+    // Remembered scans: the last scan of the same folder before the one shown, if any.
+    [[nodiscard]] ScanMemory &memory() const { return *m_memory; }
+    [[nodiscard]] const std::shared_ptr<const Snapshot> &previous() const { return m_previous; }
+    // Signed bytes `node` grew since the previous scan; none without one.
+    [[nodiscard]] std::optional<std::int64_t> grown(const Node &node) const;
+    // How far the running scan has come, when the folder was scanned before.
+    [[nodiscard]] std::optional<ScanEstimate::Guess> estimate() const;
+
     // Made absolute against the working folder and cleaned.
     void setScanPath(const std::string &path);
     void setMetric(Metric metric);
@@ -152,6 +163,7 @@ Q_SIGNALS:
     void errorChanged();
     void partialChanged();
     void zoomLevelChanged();
+    void previousChanged();
     // Any change the observers should redraw for (the end of a death, a batch slay).
     void changed();
 
@@ -161,6 +173,8 @@ private:
         NodePtr root;
         std::vector<BigFile> bigFiles;
         std::vector<Advice> advice;
+        std::optional<Snapshot> previous;
+        std::optional<SnapshotCodec::Flat> remember;
     };
 
     void setRoot(NodePtr root);
@@ -168,6 +182,7 @@ private:
     void setScanning(bool scanning);
     void setProgress(Progress progress);
     void setPartial(std::vector<NodePtr> partial);
+    void setPrevious(std::shared_ptr<const Snapshot> previous);
     void tick();
     void finishScan(const std::shared_ptr<Scanner> &scanner, ScanResult result,
                     QPointer<Game> game);
@@ -198,6 +213,10 @@ private:
     std::shared_ptr<Scanner> m_scanner;
     std::unique_ptr<InterfaceWatch> m_interface; // while a scan runs
     QTimer m_timer;
+    ScanMemory *m_memory;
+    std::shared_ptr<const Snapshot> m_previous;
+    std::optional<ScanEstimate> m_estimate; // of the running scan
+    std::chrono::steady_clock::time_point m_scanStarted;
 
     SoundPlayer m_play;
     FolderChooser m_chooseFolder;
