@@ -370,11 +370,15 @@ std::vector<Tile> Model::tiles(int limit) const
     return makeTiles(m_current.get(), m_metric, limit);
 }
 
-std::vector<Tile> Model::rankedTiles(int limit) const
+std::vector<Tile> Model::rankedTiles(int limit, bool byGrowth) const
 {
     if (!m_current)
         return {};
-    return withBigFiles(tiles(limit), *m_current, m_bigFiles, m_metric, limit);
+    GrowthOf growth;
+    if (byGrowth && m_previous)
+        growth = [previous = m_previous](const Node &n) { return previous->grown(n); };
+    return withBigFiles(makeTiles(m_current.get(), m_metric, limit, growth), *m_current, m_bigFiles,
+                        m_metric, limit);
 }
 
 void Model::reveal(const std::string &path)

@@ -124,8 +124,9 @@ public:
     [[nodiscard]] bool isDying(std::string_view path) const;
     [[nodiscard]] std::vector<Advice> adviceUnder(std::string_view path) const;
     [[nodiscard]] std::vector<Tile> tiles(int limit) const;
-    // The tiles with `current`'s own big files listed before the loose files.
-    [[nodiscard]] std::vector<Tile> rankedTiles(int limit) const;
+    // The tiles with `current`'s own big files listed before the loose files; by growth, the
+    // folders that grew most come first (when there is a previous scan).
+    [[nodiscard]] std::vector<Tile> rankedTiles(int limit, bool byGrowth = false) const;
 
     void reveal(const std::string &path);
     void openTrash();

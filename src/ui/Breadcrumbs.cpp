@@ -30,7 +30,8 @@ Breadcrumbs::Breadcrumbs(Model &model, Game &game, QWidget *parent)
     m_content->setAutoFillBackground(false);
     viewport()->setAutoFillBackground(false);
     setWidget(m_content);
-    for (const auto signal : {&Model::currentChanged, &Model::changed, &Model::rootChanged})
+    for (const auto signal :
+         {&Model::currentChanged, &Model::changed, &Model::rootChanged, &Model::previousChanged})
         connect(&model, signal, this, &Breadcrumbs::rebuild);
     rebuild();
 }
@@ -95,7 +96,12 @@ void Breadcrumbs::rebuild()
         add(crumb);
     }
     m_size = new TabularLabel(m_content);
-    m_size->setText(QStringLiteral("· ") + Fmt::bytes(current->size()));
+    QString size = QStringLiteral("· ") + Fmt::bytes(current->size());
+    if (const std::optional<std::int64_t> grown = m_model.grown(*current)) {
+        size += QStringLiteral(" · %1 since %2")
+                    .arg(Fmt::growth(*grown), Fmt::day(m_model.previous()->summary().scanned));
+    }
+    m_size->setText(size);
     TextStyle::makeSecondary(m_size);
     add(m_size);
     m_row->addStretch(1);
