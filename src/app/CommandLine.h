@@ -17,6 +17,8 @@ struct CommandLine
     // The folder exactly as given, bytes; an empty one starts nothing.
     std::optional<std::string> scanPath;
     std::optional<ReportFormat> report;
+    // A report or snapshot to show read-only in the window, as given.
+    std::optional<std::string> openFile;
     std::optional<int> depth;
     std::optional<Scanner::Walk> walk;
     Appearance appearance = Appearance::system;

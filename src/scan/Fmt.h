@@ -18,6 +18,8 @@ namespace Fmt {
 // A day, "20 Nov", and a moment, "20 Nov 2026, 14:05", in local time.
 [[nodiscard]] QString day(const QDateTime &when);
 [[nodiscard]] QString moment(const QDateTime &when);
+// How long ago: "just now", "5 minutes ago", "yesterday", "2 days ago", "on 20 Nov 2026".
+[[nodiscard]] QString ago(const QDateTime &then, const QDateTime &now);
 
 // The count with the locale's digit grouping.
 [[nodiscard]] QString count(std::int64_t n);

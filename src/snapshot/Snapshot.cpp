@@ -44,3 +44,25 @@ std::int64_t Snapshot::grown(const Node &node, std::optional<Index> then) const
         return std::int64_t(std::min(now - before, most));
     return -std::int64_t(std::min(before - now, most));
 }
+
+NodePtr Snapshot::toTree() const
+{
+    std::vector<NodePtr> nodes(m_folders.size());
+    nodes[0] = Node::create(std::string(name(0)));
+    nodes[0]->setBasePath(m_summary.root);
+    for (std::size_t i = 0; i < m_folders.size(); ++i) {
+        const Folder &f = m_folders[i];
+        nodes[i]->setLoose(f.looseSize, f.looseFiles);
+        std::vector<NodePtr> children;
+        children.reserve(f.childCount);
+        for (Index c = f.firstChild; c < f.firstChild + f.childCount; ++c) {
+            nodes[c] = Node::create(std::string(name(c)), nodes[i]);
+            children.push_back(nodes[c]);
+        }
+        nodes[i]->setChildren(std::move(children));
+    }
+    // Children come after their parent, so finishing backwards sums from the leaves up.
+    for (std::size_t i = nodes.size(); i-- > 0;)
+        nodes[i]->finish();
+    return nodes[0];
+}

@@ -51,6 +51,8 @@ public:
     // A vanished sub-folder shows as its parent's shrinking, since sizes include everything below.
     [[nodiscard]] std::int64_t grown(const Node &node, std::optional<Index> then) const;
     [[nodiscard]] std::int64_t grown(const Node &node) const { return grown(node, find(node)); }
+    // The remembered tree as Nodes, finished and ordered as a scan leaves them.
+    [[nodiscard]] NodePtr toTree() const;
 
 private:
     SnapshotSummary m_summary;

@@ -310,6 +310,11 @@ QByteArray SnapshotCodec::pack(const Flat &flat)
     return file;
 }
 
+bool SnapshotCodec::hasMagic(QByteArrayView start)
+{
+    return view(start).starts_with(magic);
+}
+
 std::optional<SnapshotSummary> SnapshotCodec::summary(QByteArrayView file)
 {
     std::optional<Header> h = readHeader(view(file));

@@ -34,6 +34,9 @@ struct Flat
                            const QDateTime &scanned, const QString &host);
 [[nodiscard]] QByteArray pack(const Flat &flat);
 
+// Whether a file starts as a snapshot does (its first 8 bytes suffice).
+[[nodiscard]] bool hasMagic(QByteArrayView start);
+
 // How many leading bytes of a file summary() needs at most.
 inline constexpr qsizetype headerLimit = 16 * 1024;
 [[nodiscard]] std::optional<SnapshotSummary> summary(QByteArrayView file);

@@ -78,6 +78,13 @@ private Q_SLOTS:
         scan();
         QCOMPARE(model->grown(*model->root()), added);
         QCOMPARE(model->grown(*model->root()->children().front()), added);
+        QCOMPARE(Model::nearest(model->root(), t.toStdString() + "/a/gone/deeper"),
+                 model->root()->children().front());
+        // Reopened, the remembered realm gives way to a fresh one.
+        model->reopen(t.toStdString(), *m_game);
+        waitForScan(*model);
+        QCOMPARE(model->origin().source, RealmOrigin::Source::scan);
+        QCOMPARE(model->root()->size(), model->previous()->summary().size);
         memory.forget();
         QVERIFY(!model->previous());
         QVERIFY(!memory.store().summary(t.toStdString()));

@@ -81,6 +81,19 @@ private Q_SLOTS:
             QCOMPARE(s->folder(*i).files, n.files());
             QCOMPARE(s->grown(n), 0);
         });
+        // Back as Nodes, for a realm shown at once: the same folders in the same order.
+        const auto listed = [](const NodePtr &tree) {
+            QStringList out;
+            tree->walk([&out](Node &n) {
+                out << QStringLiteral("%1 %2 %3 %4")
+                           .arg(QString::fromStdString(n.path()))
+                           .arg(n.size())
+                           .arg(n.files())
+                           .arg(n.looseSize());
+            });
+            return out;
+        };
+        QCOMPARE(listed(s->toTree()), listed(root));
     }
 
     void growthSinceTheLastScan_data()

@@ -199,6 +199,13 @@ void WorldView::fight()
     const std::optional<Region> region = m_player->currentRegion();
     const NodePtr *folder = region ? region->tile.folder() : nullptr;
     const bool slayable = folder && *folder && m_model.canSlay(**folder);
+    if (m_model.readOnly()) {
+        m_model.play(Sound::Sfx::denied());
+        m_player->say(m_model.origin().source == RealmOrigin::Source::remembered
+                          ? QStringLiteral("Wait for the fresh scan to fight")
+                          : QStringLiteral("A report is only to look at"));
+        return;
+    }
     if (slayable && m_player->nearMonster()) {
         m_model.setPending(Model::PendingFolder{*folder});
         return;
