@@ -7,6 +7,7 @@
 #include "session/Model.h"
 #include "support/TestSandbox.h"
 #include "support/TreeBuilder.h"
+#include "ui/TopBar.h"
 #include "ui/screens/BountyView.h"
 #include "ui/screens/CharacterSheet.h"
 #include "ui/screens/Confetti.h"
@@ -16,6 +17,7 @@
 #include "ui/screens/TileMenu.h"
 #include "ui/screens/ToastView.h"
 #include "ui/screens/WelcomeView.h"
+#include "world/ui/WorldView.h"
 
 #include <QApplication>
 #include <QDir>
@@ -180,6 +182,50 @@ int main(int argc, char *argv[])
         }
     }
 
+    // What grew since the last scan: the ranking by size and by growth, the map and the top bar.
+    {
+        const QByteArray realm = QFile::encodeName(sandbox.root()) + "/realm";
+        const std::pair<const char *, std::uint64_t> before[] = {
+            {"Movies", 900},    {"Projects", 400}, {"Music", 300},    {"Photos", 250},
+            {"Downloads", 600}, {"Games", 200},    {"Documents", 120}};
+        for (const auto &[name, mb] : before) {
+            makeDirs(realm + "/" + name);
+            makeFile(realm + "/" + name + "/blob", mb * MB);
+        }
+        Model grown;
+        grown.setSoundPlayer([](const Sound::Sfx &) {});
+        scan(grown, game, realm.toStdString());
+        grown.memory().waitForWrites();
+        makeFile(realm + "/Movies/new.mkv", 500 * MB);
+        makeFile(realm + "/Projects/more", 150 * MB);
+        QFile::remove(QFile::decodeName(realm + "/Downloads/blob"));
+        makeFile(realm + "/Downloads/small", 100 * MB);
+        makeDirs(realm + "/VirtualBox");
+        makeFile(realm + "/VirtualBox/disk", 700 * MB);
+        scan(grown, game, realm.toStdString());
+        for (const auto scheme : schemes) {
+            setScheme(scheme);
+            for (const bool byGrowth : {false, true}) {
+                RankingView ranking(grown, game);
+                ranking.resize(960, 420);
+                ranking.setByGrowth(byGrowth);
+                ranking.show();
+                QTest::qWait(1200);
+                save(ranking, byGrowth ? "ranking-by-growth" : "ranking-growth", scheme);
+            }
+            WorldView map(grown, game, magic, true);
+            map.resize(960, 600);
+            map.show();
+            QTest::qWait(900);
+            save(map, "map-growth", scheme);
+            TopBar bar(grown, game, magic, true);
+            bar.resize(960, bar.sizeHint().height());
+            bar.show();
+            QTest::qWait(100);
+            save(bar, "topbar-growth", scheme);
+        }
+    }
+
     // Tile menus
     for (const auto scheme : schemes) {
         setScheme(scheme);
@@ -249,7 +295,7 @@ int main(int argc, char *argv[])
     game.unlock(QStringLiteral("first_blood"));
     for (const auto scheme : schemes) {
         setScheme(scheme);
-        CharacterSheet sheet(game, magic);
+        CharacterSheet sheet(game, magic, model.memory());
         sheet.show();
         QTest::qWait(700);
         save(sheet, "sheet-top", scheme);

@@ -56,6 +56,10 @@ CommandLine::parse(const std::vector<std::string> &args)
             else
                 return Error{QStringLiteral("unknown appearance '%1' (use light or dark)")
                                  .arg(DisplayName::of(*v))};
+        } else if (const auto v = valueOf(arg, "--open")) {
+            cl.openFile = std::string(*v);
+        } else if (arg == "--no-remember") {
+            cl.remember = false;
         } else if (arg == "--reduce-motion") {
             cl.reduceMotion = true;
         } else if (arg == "--help" || arg == "-h") {
@@ -97,6 +101,10 @@ QString CommandLine::usage()
         "                            (text: 1 unless given, json: all)\n"
         "  --walker=shared|fts       with --report: how folders are walked (both measure the\n"
         "                            same; shared is faster, fts is the reference)\n"
+        "  --open=FILE               show a report (from --report=json, here or elsewhere) or a\n"
+        "                            remembered scan in the window, read-only\n"
+        "  --no-remember             neither read nor write remembered scans (what grew since\n"
+        "                            the last scan, progress against its totals)\n"
         "  --appearance=light|dark   override the system appearance\n"
         "  --reduce-motion           keep animations to a minimum\n"
         "  --help                    show this help\n"

@@ -17,10 +17,14 @@ struct CommandLine
     // The folder exactly as given, bytes; an empty one starts nothing.
     std::optional<std::string> scanPath;
     std::optional<ReportFormat> report;
+    // A report or snapshot to show read-only in the window, as given.
+    std::optional<std::string> openFile;
     std::optional<int> depth;
     std::optional<Scanner::Walk> walk;
     Appearance appearance = Appearance::system;
     bool reduceMotion = false;
+    // Read and write remembered scans (growth since the last scan, true progress).
+    bool remember = true;
     bool help = false;
     bool version = false;
 

@@ -4,6 +4,6 @@
 
 #include <string>
 
-// Scans an existing folder without a window and prints the report; returns the exit status.
-int runHeadlessReport(const std::string &path, CommandLine::ReportFormat format,
-                      std::optional<int> depth, std::optional<Scanner::Walk> walk);
+// Scans an existing folder without a window and prints the report as the command line asks;
+// returns the exit status.
+int runHeadlessReport(const std::string &path, const CommandLine &cl);

@@ -11,6 +11,7 @@
 #include "ui/screens/FolderChooser.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QIcon>
 #include <QLoggingCategory>
 #include <QStyleFactory>
@@ -57,7 +58,10 @@ int dustmere_run_window(int argc, char *argv[], const CommandLine *commandLine)
     Game game;
     Magic magic;
     model.setFolderChooser(FolderChooser::dialog());
-    MainWindow window(model, game, magic, {cl.scanPath, settingsKept, reduceMotion});
+    std::optional<QString> openFile;
+    if (cl.openFile)
+        openFile = QFile::decodeName(QByteArray::fromStdString(*cl.openFile));
+    MainWindow window(model, game, magic, {cl.scanPath, settingsKept, reduceMotion, openFile});
     window.show();
     return QApplication::exec();
 }

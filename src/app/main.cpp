@@ -4,7 +4,9 @@
 #include "platform/DisplayName.h"
 #include "platform/Home.h"
 #include "platform/Paths.h"
+#include "snapshot/SnapshotCodec.h"
 
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -40,6 +42,26 @@ std::optional<std::string> folderProblem(const std::string &path)
     if (!S_ISDIR(st.st_mode))
         return "not a folder: " + shown;
     return std::nullopt;
+}
+
+// Whether a file could be a report or a snapshot at all; the window reads it in full.
+std::optional<std::string> reportProblem(const std::string &file)
+{
+    const std::string shown = DisplayName::of(file).toStdString();
+    std::FILE *f = std::fopen(file.c_str(), "rb");
+    if (!f)
+        return "cannot read " + shown + ": " + std::strerror(errno);
+    char start[8] = {};
+    std::size_t n = std::fread(start, 1, sizeof start, f);
+    std::fclose(f);
+    std::size_t at = 0;
+    while (at < n && std::isspace(static_cast<unsigned char>(start[at])))
+        ++at;
+    if (SnapshotCodec::hasMagic(QByteArrayView(start, qsizetype(n))))
+        return std::nullopt;
+    if (at < n && start[at] == '{')
+        return std::nullopt;
+    return "not a Dustmere report or snapshot: " + shown;
 }
 
 // The window module sits beside the executable in the build tree and in the library folder
@@ -85,6 +107,17 @@ int main(int argc, char *argv[])
         std::printf("dustmere %s\n", DUSTMERE_VERSION);
         return 0;
     }
+    if (cl.openFile) {
+        cl.openFile = Paths::absolute(*cl.openFile, Paths::currentFolder());
+        std::optional<std::string> problem = reportProblem(*cl.openFile);
+        if (!problem && (cl.report || !hasDisplay()))
+            problem = "--open shows a report in the window, and there is no display here";
+        if (problem) {
+            std::fprintf(stderr, "dustmere: %s\n", problem->c_str());
+            return 2;
+        }
+        return runWindow(argc, argv, cl);
+    }
     const bool named = cl.scanPath && !cl.scanPath->empty();
     const std::string path =
         named ? CommandLine::folder(*cl.scanPath, Home::path(), Paths::currentFolder())
@@ -95,8 +128,7 @@ int main(int argc, char *argv[])
         return 2;
     }
     if (cl.report || !hasDisplay())
-        return runHeadlessReport(path, cl.report.value_or(CommandLine::ReportFormat::text),
-                                 cl.depth, cl.walk);
+        return runHeadlessReport(path, cl);
     if (named)
         cl.scanPath = path;
     return runWindow(argc, argv, cl);

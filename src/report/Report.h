@@ -4,7 +4,10 @@
 #include "game/Tier.h"
 #include "scan/BigFile.h"
 #include "scan/Node.h"
+#include "snapshot/Snapshot.h"
 
+#include <QDateTime>
+#include <QString>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -19,6 +22,10 @@ struct Input
     std::vector<BigFile> bigFiles;
     std::vector<Advice> advice; // largest first, as the advisor gives it
     std::string home;           // for the advice's short names
+    // The remembered scan of the same folder, for growth; none without one.
+    const Snapshot *previous = nullptr;
+    QString host{};
+    QDateTime scanned{};
 };
 
 // Top-level folders already written as JSON, so the writing overlaps the walk of the others.
@@ -28,7 +35,8 @@ using Fragments = std::unordered_map<const Node *, std::string>;
 [[nodiscard]] std::string json(const Input &input, std::optional<int> depth = std::nullopt,
                                const Fragments *fragments = nullptr);
 // One top-level folder of the root as the JSON that json() would write for it.
-[[nodiscard]] std::string jsonFragment(const Node &folder, std::optional<int> depth);
+[[nodiscard]] std::string jsonFragment(const Node &folder, std::optional<int> depth,
+                                       const Snapshot *previous = nullptr);
 // depth is how many levels of folders the text shows; none means one.
 [[nodiscard]] std::string text(const Input &input, std::optional<int> depth = std::nullopt);
 

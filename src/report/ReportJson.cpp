@@ -1,6 +1,7 @@
 #include "game/Lore.h"
 #include "report/JsonWriter.h"
 #include "report/Report.h"
+#include "snapshot/Counterpart.h"
 
 #include <unordered_map>
 
@@ -26,8 +27,8 @@ private:
 };
 
 // depthLeft < 0 means no limit.
-void writeNode(JsonWriter &w, PlaceNames &places, const Node &node, bool isRoot, int depthLeft,
-               const Report::Fragments *fragments = nullptr)
+void writeNode(JsonWriter &w, PlaceNames &places, const Node &node, const Counterpart &then,
+               bool isRoot, int depthLeft, const Report::Fragments *fragments = nullptr)
 {
     w.beginObject();
     w.field("name", node.name());
@@ -45,6 +46,22 @@ void writeNode(JsonWriter &w, PlaceNames &places, const Node &node, bool isRoot,
     w.value(Report::tierKey(Tiers::ofBytes(node.size())));
     w.key("place");
     w.value(places.of(node));
+    if (const std::optional<std::int64_t> grown = then.grown(node)) {
+        w.key("grown");
+        w.value(*grown);
+    }
+    if (isRoot && then.snapshot()) {
+        const SnapshotSummary &previous = then.snapshot()->summary();
+        w.key("previous");
+        w.beginObject();
+        w.key("date");
+        w.value(previous.scanned.toString(Qt::ISODate));
+        w.key("size");
+        w.value(previous.size);
+        w.key("files");
+        w.value(previous.files);
+        w.endObject();
+    }
     if (depthLeft != 0) {
         const int next = depthLeft < 0 ? depthLeft : depthLeft - 1;
         w.key("children");
@@ -55,7 +72,7 @@ void writeNode(JsonWriter &w, PlaceNames &places, const Node &node, bool isRoot,
             if (fragments && done != fragments->end())
                 w.raw(done->second);
             else
-                writeNode(w, places, *child, false, next);
+                writeNode(w, places, *child, then.child(child->name()), false, next);
         }
         w.endArray();
     }
@@ -94,12 +111,13 @@ const char *Report::safetyKey(Advice::Safety safety)
     return keys[Safeties::index(safety)];
 }
 
-std::string Report::jsonFragment(const Node &folder, std::optional<int> depth)
+std::string Report::jsonFragment(const Node &folder, std::optional<int> depth,
+                                 const Snapshot *previous)
 {
     JsonWriter w;
     PlaceNames places;
     const int left = depth ? std::max(*depth - 1, 0) : -1;
-    writeNode(w, places, folder, false, left);
+    writeNode(w, places, folder, Counterpart::root(previous).child(folder.name()), false, left);
     return w.take();
 }
 
@@ -112,7 +130,8 @@ std::string Report::json(const Input &input, std::optional<int> depth, const Fra
     PlaceNames places;
     w.beginObject();
     w.key("root");
-    writeNode(w, places, *input.root, true, depth.value_or(-1), fragments);
+    writeNode(w, places, *input.root, Counterpart::root(input.previous), true, depth.value_or(-1),
+              fragments);
     w.key("bigFiles");
     w.beginArray();
     for (const BigFile &f : input.bigFiles) {
@@ -145,6 +164,15 @@ std::string Report::json(const Input &input, std::optional<int> depth, const Fra
         w.endObject();
     }
     w.endArray();
+    // Where and when, so the report can be opened elsewhere as the realm it describes.
+    if (!input.host.isEmpty()) {
+        w.key("host");
+        w.value(input.host);
+    }
+    if (input.scanned.isValid()) {
+        w.key("scanned");
+        w.value(input.scanned.toUTC().toString(Qt::ISODate));
+    }
     w.endObject();
     std::string out = w.take();
     out += '\n';

@@ -1,6 +1,7 @@
 #include "platform/DisplayName.h"
 #include "report/Report.h"
 #include "scan/Fmt.h"
+#include "snapshot/Counterpart.h"
 
 #include <QString>
 #include <algorithm>
@@ -37,9 +38,16 @@ QString safetySign(Advice::Safety s)
     return {};
 }
 
+// The growth column, present only when there is a remembered scan to compare with.
+QString grownColumn(std::optional<std::int64_t> grown)
+{
+    return grown ? QLatin1Char(' ') + right(Fmt::growth(*grown), 10) : QString();
+}
+
 // One level of the tree: the biggest folders, the rest summed, then the loose files; each folder
 // followed by its own level while `levels` lasts.
-void territoryLevel(QString &out, const Node &folder, int levels, int indent)
+void territoryLevel(QString &out, const Node &folder, const Counterpart &then, int levels,
+                    int indent)
 {
     constexpr std::size_t shown = 20;
     constexpr int nameWidth = 24;
@@ -48,37 +56,43 @@ void territoryLevel(QString &out, const Node &folder, int levels, int indent)
     const auto &children = folder.children();
     for (std::size_t i = 0; i < std::min(shown, children.size()); ++i) {
         const Node &c = *children[i];
-        out += QStringLiteral("  %1 %2 %3%4 %5 %6\n")
+        const Counterpart place = then.child(c.name());
+        out += QStringLiteral("  %1 %2 %3%4 %5%6 %7\n")
                    .arg(Tiers::emoji(Tiers::ofBytes(c.size())), left(Report::placeName(c), 30), pad,
                         left(DisplayName::of(c.name()), width), right(Fmt::bytes(c.size()), 10),
-                        right(Fmt::files(c.files()), 14));
+                        grownColumn(place.grown(c)), right(Fmt::files(c.files()), 14));
         if (levels > 1)
-            territoryLevel(out, c, levels - 1, indent + 2);
+            territoryLevel(out, c, place, levels - 1, indent + 2);
     }
     const int restWidth = 55 - indent;
     if (children.size() > shown) {
         const std::size_t rest = children.size() - shown;
         std::uint64_t bytes = 0;
-        for (std::size_t i = shown; i < children.size(); ++i)
+        std::optional<std::int64_t> grown;
+        for (std::size_t i = shown; i < children.size(); ++i) {
             bytes += children[i]->size();
-        out += QStringLiteral("     %1%2 %3\n")
+            if (const auto g = then.child(children[i]->name()).grown(*children[i]))
+                grown = grown.value_or(0) + *g;
+        }
+        out += QStringLiteral("     %1%2 %3%4\n")
                    .arg(pad, left(QStringLiteral("%1 smaller folders").arg(rest), restWidth),
-                        right(Fmt::bytes(bytes), 10));
+                        right(Fmt::bytes(bytes), 10), grownColumn(grown));
     }
     if (folder.looseFiles() > 0 && (indent == 0 || !children.empty())) {
-        out += QStringLiteral("     %1%2 %3 %4\n")
+        out += QStringLiteral("     %1%2 %3%4 %5\n")
                    .arg(pad, left(QStringLiteral("Loose files"), restWidth),
                         right(Fmt::bytes(folder.looseSize()), 10),
+                        grownColumn(then.looseGrown(folder)),
                         right(Fmt::files(folder.looseFiles()), 14));
     }
 }
 
-void territories(QString &out, const Node &root, int levels)
+void territories(QString &out, const Node &root, const Snapshot *previous, int levels)
 {
     if (root.children().empty() || levels < 1)
         return;
     out += QStringLiteral("\nTerritories\n");
-    territoryLevel(out, root, levels, 0);
+    territoryLevel(out, root, Counterpart::root(previous), levels, 0);
 }
 
 void bigFiles(QString &out, std::vector<BigFile> files)
@@ -155,7 +169,12 @@ std::string Report::text(const Input &input, std::optional<int> depth)
     out += QStringLiteral("   %1 · %2 · %3\n")
                .arg(Fmt::bytes(root.size()), Fmt::files(root.files()),
                     Fmt::counted(count, "territory", "territories"));
-    territories(out, root, depth.value_or(1));
+    if (input.previous) {
+        out += QStringLiteral("   %1 since the last scan on %2\n")
+                   .arg(Fmt::growth(input.previous->grown(root)),
+                        Fmt::moment(input.previous->summary().scanned));
+    }
+    territories(out, root, input.previous, depth.value_or(1));
     bigFiles(out, input.bigFiles);
     bounties(out, input);
     return out.toStdString();

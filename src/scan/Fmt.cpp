@@ -97,3 +97,38 @@ QString Fmt::files(std::int64_t n)
 {
     return counted(n, "file", "files");
 }
+
+QString Fmt::growth(std::int64_t n)
+{
+    if (n == 0)
+        return QStringLiteral("±0");
+    const std::uint64_t magnitude = n < 0 ? 0 - std::uint64_t(n) : std::uint64_t(n);
+    return (n < 0 ? QStringLiteral("−") : QStringLiteral("+")) + bytes(magnitude);
+}
+
+QString Fmt::day(const QDateTime &when)
+{
+    return QLocale::c().toString(when.toLocalTime(), QStringLiteral("d MMM"));
+}
+
+QString Fmt::moment(const QDateTime &when)
+{
+    return QLocale::c().toString(when.toLocalTime(), QStringLiteral("d MMM yyyy, HH:mm"));
+}
+
+QString Fmt::ago(const QDateTime &then, const QDateTime &now)
+{
+    const qint64 minutes = then.secsTo(now) / 60;
+    if (minutes < 1)
+        return QStringLiteral("just now");
+    if (minutes < 60)
+        return counted(minutes, "minute", "minutes") + QStringLiteral(" ago");
+    if (minutes < 24 * 60)
+        return counted(minutes / 60, "hour", "hours") + QStringLiteral(" ago");
+    const qint64 days = then.toLocalTime().date().daysTo(now.toLocalTime().date());
+    if (days <= 1)
+        return QStringLiteral("yesterday");
+    if (days < 30)
+        return QStringLiteral("%1 days ago").arg(days);
+    return QLocale::c().toString(then.toLocalTime(), QStringLiteral("'on' d MMM yyyy"));
+}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QString>
 #include <cstdint>
 
@@ -9,6 +10,16 @@ namespace Fmt {
 // File-style byte count: decimal units, no fraction digits for bytes and KB, one for MB, two for
 // GB and larger, trailing zeros dropped, "Zero KB" for 0.
 [[nodiscard]] QString bytes(std::uint64_t n);
+
+// Bytes grown or shrunk, signed, as bytes() writes them: "+30 MB", "−300 MB" with a real minus
+// sign, "±0" when nothing changed.
+[[nodiscard]] QString growth(std::int64_t n);
+
+// A day, "20 Nov", and a moment, "20 Nov 2026, 14:05", in local time.
+[[nodiscard]] QString day(const QDateTime &when);
+[[nodiscard]] QString moment(const QDateTime &when);
+// How long ago: "just now", "5 minutes ago", "yesterday", "2 days ago", "on 20 Nov 2026".
+[[nodiscard]] QString ago(const QDateTime &then, const QDateTime &now);
 
 // The count with the locale's digit grouping.
 [[nodiscard]] QString count(std::int64_t n);

@@ -50,6 +50,12 @@ public:
         m_looseSize += bytes;
         ++m_looseFiles;
     }
+    // A folder's own files at once, for a tree read back rather than walked.
+    void setLoose(std::uint64_t bytes, std::int64_t files)
+    {
+        m_looseSize = bytes;
+        m_looseFiles = files;
+    }
     void appendChild(NodePtr child) { m_children.push_back(std::move(child)); }
     void setChildren(std::vector<NodePtr> children) { m_children = std::move(children); }
     void setParent(const NodePtr &parent) { m_parent = parent; }

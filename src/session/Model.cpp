@@ -5,18 +5,25 @@
 #include "platform/Home.h"
 #include "platform/Paths.h"
 #include "scan/Fmt.h"
+#include "session/RealmLoader.h"
 #include "session/SlayRules.h"
 #include "sound/Sound.h"
 
+#include <QSysInfo>
 #include <QtConcurrent/QtConcurrentRun>
 #include <algorithm>
 
 Model::Model(QObject *parent)
-    : QObject(parent), m_scanPath(Home::path()), m_trash(std::make_unique<FreedesktopTrash>()),
+    : QObject(parent), m_scanPath(Home::path()), m_memory(new ScanMemory(SnapshotStore(), this)),
+      m_loader(new RealmLoader(this)), m_trash(std::make_unique<FreedesktopTrash>()),
       m_desktop(std::make_unique<Desktop>())
 {
     m_timer.setInterval(150);
     connect(&m_timer, &QTimer::timeout, this, &Model::tick);
+    // Forgotten means forgotten: what grew since then is no longer known either.
+    connect(m_memory, &ScanMemory::forgotten, this, [this] { setPrevious(nullptr); });
+    connect(m_loader, &RealmLoader::loaded, this, &Model::showRealm);
+    connect(m_loader, &RealmLoader::failed, this, &Model::openFailed);
 }
 
 Model::~Model()
@@ -76,6 +83,62 @@ void Model::setPartial(std::vector<NodePtr> partial)
     Q_EMIT partialChanged();
 }
 
+void Model::setPrevious(std::shared_ptr<const Snapshot> previous)
+{
+    if (previous == m_previous)
+        return;
+    m_previous = std::move(previous);
+    Q_EMIT previousChanged();
+}
+
+void Model::setOrigin(RealmOrigin origin)
+{
+    if (origin == m_origin)
+        return;
+    m_origin = std::move(origin);
+    Q_EMIT originChanged();
+}
+
+void Model::reopen(const std::string &root, Game &game)
+{
+    setScanPath(root);
+    scan(game);
+    m_loader->loadRemembered(m_memory->store(), m_scanPath);
+}
+
+void Model::open(const QString &file)
+{
+    stop();
+    m_loader->loadFile(file);
+}
+
+void Model::showRealm(const Realm &realm)
+{
+    // The fresh scan finished first: it is what the user wants to see.
+    if (realm.origin.source == RealmOrigin::Source::remembered && (!m_scanning || m_root))
+        return;
+    setOrigin(realm.origin);
+    setPrevious(nullptr);
+    m_bigFiles = realm.bigFiles;
+    setRoot(realm.root);
+    setCurrent(realm.root);
+    setAdvice(realm.advice);
+    setZoomLevel(0);
+}
+
+std::optional<std::int64_t> Model::grown(const Node &node) const
+{
+    return m_previous ? std::optional(m_previous->grown(node)) : std::nullopt;
+}
+
+std::optional<ScanEstimate::Guess> Model::estimate() const
+{
+    if (!m_scanning || !m_estimate)
+        return std::nullopt;
+    return m_estimate->at(m_progress, std::chrono::duration_cast<std::chrono::milliseconds>(
+                                          std::chrono::steady_clock::now() - m_scanStarted));
+}
+
 void Model::setMetric(Metric metric)
 {
     if (metric == m_metric)
@@ -131,6 +194,8 @@ void Model::setZoomLevel(int level)
 void Model::scan(Game &game)
 {
     stop();
+    m_loader->cancel();
+    setOrigin({});
     auto scanner = std::make_shared<Scanner>();
     // The walk waits while this thread works, so the window stays smooth without a niceness
     // that would starve the walk on a busy machine.
@@ -138,6 +203,14 @@ void Model::scan(Game &game)
     scanner->setForeground(m_interface->foreground());
     m_scanner = scanner;
     const std::string path = m_scanPath;
+    // The last scan of this folder: its totals now, for a true progress, its tree at the end.
+    const bool remember = m_memory->enabled();
+    const std::optional<SnapshotSummary> known =
+        remember ? m_memory->store().summary(path) : std::nullopt;
+    m_estimate.reset();
+    if (known)
+        m_estimate.emplace(known->files, known->size);
+    m_scanStarted = std::chrono::steady_clock::now();
 
     setScanning(true);
     setRoot(nullptr);
@@ -151,12 +224,22 @@ void Model::scan(Game &game)
 
     const Advisor::Context context;
     QPointer<Game> weakGame(&game);
-    QtConcurrent::run([scanner, path, context] {
+    const QDateTime started = QDateTime::currentDateTimeUtc();
+    QtConcurrent::run([scanner, path, context, remember, store = m_memory->store(),
+                       load = known.has_value(), started] {
         ScanResult result;
         result.root = scanner->scan(path);
-        if (result.root) {
-            result.bigFiles = scanner->bigFiles();
-            result.advice = Advisor::advise(result.root, result.bigFiles, context);
+        if (!result.root)
+            return result;
+        result.bigFiles = scanner->bigFiles();
+        result.advice = Advisor::advise(result.root, result.bigFiles, context);
+        if (load)
+            result.previous = store.load(path);
+        // Flattened here, while no other thread can reach the tree; a folder that could not be
+        // read is not remembered as empty.
+        if (remember && scanner->gaps().rootError == 0) {
+            result.remember = SnapshotCodec::flatten(*result.root, result.bigFiles, started,
+                                                     QSysInfo::machineHostName());
         }
         return result;
     }).then(this, [this, scanner, weakGame](ScanResult result) {
@@ -194,16 +277,25 @@ void Model::finishScan(const std::shared_ptr<Scanner> &scanner, ScanResult resul
     if (!result.root)
         return;
 
+    if (result.remember)
+        m_memory->remember(std::move(*result.remember));
+    // A remembered realm on show gives way to the fresh one where the user stands.
+    const bool switchOver = m_origin.source == RealmOrigin::Source::remembered && m_current;
+    const std::string place = switchOver ? m_current->path() : std::string();
+    setOrigin({});
+    setPrevious(result.previous ? std::make_shared<const Snapshot>(std::move(*result.previous))
+                                : nullptr);
     m_bigFiles = std::move(result.bigFiles);
     setRoot(result.root);
-    setCurrent(result.root);
+    setCurrent(switchOver ? nearest(result.root, place) : result.root);
     setAdvice(std::move(result.advice));
     setPartial({});
-    setZoomLevel(0);
+    if (!switchOver)
+        setZoomLevel(0);
     play(Sound::Sfx::scanDone());
     if (game)
         game->scanned(*m_root);
-    if (m_advice.empty())
+    if (m_advice.empty() || switchOver)
         return;
 
     setMode(Mode::bounties);
@@ -279,6 +371,16 @@ void Model::zoom(int delta)
     play(Sound::Sfx::click());
 }
 
+NodePtr Model::nearest(const NodePtr &root, std::string_view path)
+{
+    for (;; path = Paths::parent(path)) {
+        if (NodePtr n = find(root, path))
+            return n;
+        if (!root->basePath() || path.size() <= root->basePath()->size())
+            return root;
+    }
+}
+
 NodePtr Model::find(const NodePtr &root, std::string_view atPath)
 {
     if (!root || !root->basePath())
@@ -324,15 +426,23 @@ std::vector<Tile> Model::tiles(int limit) const
     return makeTiles(m_current.get(), m_metric, limit);
 }
 
-std::vector<Tile> Model::rankedTiles(int limit) const
+std::vector<Tile> Model::rankedTiles(int limit, bool byGrowth) const
 {
     if (!m_current)
         return {};
-    return withBigFiles(tiles(limit), *m_current, m_bigFiles, m_metric, limit);
+    GrowthOf growth;
+    if (byGrowth && m_previous)
+        growth = [previous = m_previous](const Node &n) { return previous->grown(n); };
+    return withBigFiles(makeTiles(m_current.get(), m_metric, limit, growth), *m_current, m_bigFiles,
+                        m_metric, limit);
 }
 
 void Model::reveal(const std::string &path)
 {
+    if (!canReveal()) {
+        play(Sound::Sfx::denied());
+        return;
+    }
     m_desktop->reveal(path);
 }
 
@@ -349,6 +459,8 @@ void Model::setDying(std::optional<Dying> dying)
 
 bool Model::canSlay(std::string_view path) const
 {
+    if (readOnly())
+        return false;
     const std::optional<std::string> scanRoot = m_root ? m_root->basePath() : std::nullopt;
     return SlayRules::canSlay(path, Home::path(), scanRoot, Home::trash());
 }

@@ -6,9 +6,13 @@
 #include "platform/TrashCan.h"
 #include "scan/BigFile.h"
 #include "scan/Node.h"
+#include "scan/ScanEstimate.h"
 #include "scan/Scanner.h"
 #include "session/InterfaceWatch.h"
+#include "session/Realm.h"
+#include "session/ScanMemory.h"
 #include "session/Tile.h"
+#include "snapshot/Snapshot.h"
 #include "sound/Sfx.h"
 
 #include <QObject>
@@ -25,6 +29,7 @@
 #include <vector>
 
 class Game;
+class RealmLoader;
 
 // One session of exploration: which folder is scanned, the scan's progress and partial results,
 // the finished tree, where the user stands in it, how the level is shown, the advisor's
@@ -88,6 +93,25 @@ public:
     [[nodiscard]] double zoomScale() const { return zoomScales[std::size_t(m_zoomLevel)]; }
     [[nodiscard]] const std::shared_ptr<Scanner> &scanner() const { return m_scanner; }
 
+    // Remembered scans: the last scan of the same folder before the one shown, if any.
+    [[nodiscard]] ScanMemory &memory() const { return *m_memory; }
+    [[nodiscard]] const std::shared_ptr<const Snapshot> &previous() const { return m_previous; }
+    // Signed bytes `node` grew since the previous scan; none without one.
+    [[nodiscard]] std::optional<std::int64_t> grown(const Node &node) const;
+    // How far the running scan has come, when the folder was scanned before.
+    [[nodiscard]] std::optional<ScanEstimate::Guess> estimate() const;
+
+    // Where the realm on show comes from. Only a realm scanned just now can be slain from, and a
+    // report's paths, another machine's perhaps, are not revealed either.
+    [[nodiscard]] const RealmOrigin &origin() const { return m_origin; }
+    [[nodiscard]] bool readOnly() const { return m_origin.source != RealmOrigin::Source::scan; }
+    [[nodiscard]] bool canReveal() const { return m_origin.source != RealmOrigin::Source::report; }
+    // Shows the remembered realm of a folder at once while a fresh scan of it runs; the fresh
+    // realm then takes its place where the user stands.
+    void reopen(const std::string &root, Game &game);
+    // Shows a report or snapshot file, read-only; openFailed() says why not.
+    void open(const QString &file);
+
     // Made absolute against the working folder and cleaned.
     void setScanPath(const std::string &path);
     void setMetric(Metric metric);
@@ -110,11 +134,14 @@ public:
     [[nodiscard]] NodePtr node(std::string_view atPath) const { return find(m_root, atPath); }
     // The node of root's tree for an absolute folder path.
     [[nodiscard]] static NodePtr find(const NodePtr &root, std::string_view path);
+    // The node at the path, or its nearest ancestor in the tree; the root at worst.
+    [[nodiscard]] static NodePtr nearest(const NodePtr &root, std::string_view path);
     [[nodiscard]] bool isDying(std::string_view path) const;
     [[nodiscard]] std::vector<Advice> adviceUnder(std::string_view path) const;
     [[nodiscard]] std::vector<Tile> tiles(int limit) const;
-    // The tiles with `current`'s own big files listed before the loose files.
-    [[nodiscard]] std::vector<Tile> rankedTiles(int limit) const;
+    // The tiles with `current`'s own big files listed before the loose files; by growth, the
+    // folders that grew most come first (when there is a previous scan).
+    [[nodiscard]] std::vector<Tile> rankedTiles(int limit, bool byGrowth = false) const;
 
     void reveal(const std::string &path);
     void openTrash();
@@ -152,6 +179,9 @@ Q_SIGNALS:
     void errorChanged();
     void partialChanged();
     void zoomLevelChanged();
+    void previousChanged();
+    void originChanged();
+    void openFailed(const QString &message);
     // Any change the observers should redraw for (the end of a death, a batch slay).
     void changed();
 
@@ -161,6 +191,8 @@ private:
         NodePtr root;
         std::vector<BigFile> bigFiles;
         std::vector<Advice> advice;
+        std::optional<Snapshot> previous;
+        std::optional<SnapshotCodec::Flat> remember;
     };
 
     void setRoot(NodePtr root);
@@ -168,6 +200,9 @@ private:
     void setScanning(bool scanning);
     void setProgress(Progress progress);
     void setPartial(std::vector<NodePtr> partial);
+    void setPrevious(std::shared_ptr<const Snapshot> previous);
+    void setOrigin(RealmOrigin origin);
+    void showRealm(const Realm &realm);
     void tick();
     void finishScan(const std::shared_ptr<Scanner> &scanner, ScanResult result,
                     QPointer<Game> game);
@@ -198,6 +233,12 @@ private:
     std::shared_ptr<Scanner> m_scanner;
     std::unique_ptr<InterfaceWatch> m_interface; // while a scan runs
     QTimer m_timer;
+    ScanMemory *m_memory;
+    RealmLoader *m_loader;
+    RealmOrigin m_origin;
+    std::shared_ptr<const Snapshot> m_previous;
+    std::optional<ScanEstimate> m_estimate; // of the running scan
+    std::chrono::steady_clock::time_point m_scanStarted;
 
     SoundPlayer m_play;
     FolderChooser m_chooseFolder;

@@ -45,7 +45,7 @@ QString Modes::label(Mode m)
     return {};
 }
 
-std::vector<Tile> makeTiles(const Node *current, Metric metric, int limit)
+std::vector<Tile> makeTiles(const Node *current, Metric metric, int limit, const GrowthOf &growth)
 {
     std::vector<Tile> tiles;
     if (!current)
@@ -55,6 +55,16 @@ std::vector<Tile> makeTiles(const Node *current, Metric metric, int limit)
     std::stable_sort(folders.begin(), folders.end(), [metric](const NodePtr &a, const NodePtr &b) {
         return Metrics::valueOf(metric, *a) > Metrics::valueOf(metric, *b);
     });
+    if (growth) {
+        std::vector<std::pair<std::int64_t, NodePtr>> keyed;
+        keyed.reserve(folders.size());
+        for (NodePtr &n : folders)
+            keyed.emplace_back(growth(*n), std::move(n));
+        std::stable_sort(keyed.begin(), keyed.end(),
+                         [](const auto &a, const auto &b) { return a.first > b.first; });
+        for (std::size_t i = 0; i < keyed.size(); ++i)
+            folders[i] = std::move(keyed[i].second);
+    }
 
     const std::size_t shown =
         std::min(folders.size(), static_cast<std::size_t>(std::max(limit, 0)));

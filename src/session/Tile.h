@@ -5,6 +5,7 @@
 
 #include <QString>
 #include <array>
+#include <functional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -75,8 +76,11 @@ struct Tile
     bool operator==(const Tile &) const = default;
 };
 
-// The ordered tiles of `current` under `metric`, at most `limit` folders shown on their own.
-[[nodiscard]] std::vector<Tile> makeTiles(const Node *current, Metric metric, int limit);
+// The ordered tiles of `current` under `metric`, at most `limit` folders shown on their own:
+// the largest first, or, given a growth, the folders that grew most.
+using GrowthOf = std::function<std::int64_t(const Node &)>;
+[[nodiscard]] std::vector<Tile> makeTiles(const Node *current, Metric metric, int limit,
+                                          const GrowthOf &growth = {});
 // The same tiles with the biggest `limit` of `current`'s own big files listed before the loose
 // files, which then stand for the rest of them.
 [[nodiscard]] std::vector<Tile> withBigFiles(std::vector<Tile> tiles, const Node &current,

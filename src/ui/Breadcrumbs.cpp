@@ -30,7 +30,8 @@ Breadcrumbs::Breadcrumbs(Model &model, Game &game, QWidget *parent)
     m_content->setAutoFillBackground(false);
     viewport()->setAutoFillBackground(false);
     setWidget(m_content);
-    for (const auto signal : {&Model::currentChanged, &Model::changed, &Model::rootChanged})
+    for (const auto signal : {&Model::currentChanged, &Model::changed, &Model::rootChanged,
+                              &Model::previousChanged, &Model::originChanged})
         connect(&model, signal, this, &Breadcrumbs::rebuild);
     rebuild();
 }
@@ -95,7 +96,24 @@ void Breadcrumbs::rebuild()
         add(crumb);
     }
     m_size = new TabularLabel(m_content);
-    m_size->setText(QStringLiteral("· ") + Fmt::bytes(current->size()));
+    QString size = QStringLiteral("· ") + Fmt::bytes(current->size());
+    if (const std::optional<std::int64_t> grown = m_model.grown(*current)) {
+        size += QStringLiteral(" · %1 since %2")
+                    .arg(Fmt::growth(*grown), Fmt::day(m_model.previous()->summary().scanned));
+    }
+    // A realm not scanned just now says where and when it was.
+    const RealmOrigin &origin = m_model.origin();
+    if (origin.source == RealmOrigin::Source::remembered) {
+        size += QStringLiteral(" · remembered from %1 · rescanning…")
+                    .arg(Fmt::ago(origin.scanned, QDateTime::currentDateTime()));
+    } else if (origin.source == RealmOrigin::Source::report) {
+        size +=
+            QStringLiteral(" · read-only report of %1, scanned %2")
+                .arg(origin.host.isEmpty() ? QStringLiteral("an unnamed computer") : origin.host,
+                     origin.scanned.isValid() ? Fmt::moment(origin.scanned)
+                                              : QStringLiteral("at an unknown time"));
+    }
+    m_size->setText(size);
     TextStyle::makeSecondary(m_size);
     add(m_size);
     m_row->addStretch(1);

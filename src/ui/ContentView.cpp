@@ -72,6 +72,7 @@ ContentView::ContentView(Model &model, Game &game, Magic &magic, Options options
     connect(&model, &Model::modeChanged, this, [this] { m_model.play(Sound::Sfx::click()); });
     connect(&model, &Model::pendingChanged, this, &ContentView::askToSlay);
     connect(&model, &Model::errorChanged, this, &ContentView::showError);
+    connect(&model, &Model::openFailed, this, &ContentView::showOpenFailed);
     new ManaOnSlay(game, magic, this);
     chooseMainArea();
 }
@@ -85,7 +86,7 @@ QWidget *ContentView::mainArea() const
 
 QString ContentView::subtitle() const
 {
-    if (m_model.scanning())
+    if (m_model.scanning() && !m_model.current())
         return QStringLiteral("Charting…");
     if (const NodePtr current = m_model.current())
         return DisplayName::of(current->name());
@@ -95,7 +96,8 @@ QString ContentView::subtitle() const
 void ContentView::chooseMainArea()
 {
     QWidget *area = m_welcome;
-    if (m_model.scanning()) {
+    // A remembered realm stays on show while its fresh scan runs.
+    if (m_model.scanning() && !m_model.current()) {
         area = m_scanning;
     } else if (m_model.current()) {
         switch (m_model.mode()) {
@@ -129,6 +131,8 @@ void ContentView::showEvent(QShowEvent *event)
         m_model.setScanPath(*m_options.scanPath);
         m_model.scan(m_game);
     }
+    if (m_options.openFile)
+        m_model.open(*m_options.openFile);
     if (m_options.settingsKept)
         tellSettingsKept(*m_options.settingsKept);
 }
@@ -190,6 +194,17 @@ void ContentView::askToSlay()
         else
             m_model.slayAll(std::get<Model::PendingBulk>(pending).items, m_game);
     });
+    box->open();
+}
+
+void ContentView::showOpenFailed(const QString &message)
+{
+    auto *box =
+        new QMessageBox(QMessageBox::Warning, QStringLiteral("Dustmere"),
+                        QStringLiteral("Couldn't open that report"), QMessageBox::Ok, window());
+    box->setInformativeText(message);
+    widen(*box);
+    box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
 }
 

@@ -23,6 +23,7 @@ public:
         std::optional<std::string> scanPath; // the folder named on the command line, clean
         std::optional<QString> settingsKept; // where damaged settings were just set aside
         bool reduceMotion = false;
+        std::optional<QString> openFile{}; // a report to show read-only at start
     };
 
     ContentView(Model &model, Game &game, Magic &magic, Options options, QWidget *parent = nullptr);
@@ -32,6 +33,7 @@ public:
     [[nodiscard]] QWidget *mainArea() const;
     [[nodiscard]] QMessageBox *slayConfirmation() const { return m_confirm; }
     [[nodiscard]] QMessageBox *errorAlert() const { return m_alert; }
+    void showOpenFailed(const QString &message);
     // "Charting…" while scanning, else the current folder's name, else empty.
     [[nodiscard]] QString subtitle() const;
 

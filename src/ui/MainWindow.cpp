@@ -4,6 +4,8 @@
 #include "session/Model.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFileDialog>
 #include <QMenuBar>
 #include <QMessageBox>
 
@@ -28,6 +30,17 @@ MainWindow::MainWindow(Model &model, Game &game, Magic &magic, ContentView::Opti
     QAction *quit = m_app->addAction(QStringLiteral("Quit"), this, &QWidget::close);
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit->setShortcutContext(Qt::ApplicationShortcut);
+
+    m_file = menuBar()->addMenu(QStringLiteral("File"));
+    QAction *openReport = m_file->addAction(QStringLiteral("Open Report…"), this, [this, &model] {
+        const QString file = QFileDialog::getOpenFileName(
+            this, QStringLiteral("Open Report"), QDir::homePath(),
+            QStringLiteral("Dustmere reports and snapshots (*.json *.snapshot);;All files (*)"));
+        if (!file.isEmpty())
+            model.open(file);
+    });
+    openReport->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_O));
+    openReport->setShortcutContext(Qt::ApplicationShortcut);
 
     // The model operations ignore what does not apply, so the items stay enabled.
     m_world = menuBar()->addMenu(QStringLiteral("World"));

@@ -18,6 +18,7 @@ public:
 
     [[nodiscard]] ContentView *content() const { return m_content; }
     [[nodiscard]] QMenu *appMenu() const { return m_app; }
+    [[nodiscard]] QMenu *fileMenu() const { return m_file; }
     [[nodiscard]] QMenu *worldMenu() const { return m_world; }
     [[nodiscard]] QMessageBox *aboutBox() const { return m_about; }
 
@@ -26,6 +27,7 @@ private:
 
     ContentView *m_content;
     QMenu *m_app;
+    QMenu *m_file;
     QMenu *m_world;
     QPointer<QMessageBox> m_about;
 };

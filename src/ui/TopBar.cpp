@@ -42,7 +42,7 @@ TopBar::TopBar(Model &model, Game &game, Magic &magic, bool reduceMotion, QWidge
 
     m_badge = new HeroBadge(game, reduceMotion, this);
     row->addWidget(m_badge);
-    m_sheet = new Popover(new CharacterSheet(game, magic), this);
+    m_sheet = new Popover(new CharacterSheet(game, magic, model.memory()), this);
     connect(m_badge, &HeroBadge::clicked, this, [this] { m_sheet->showBelow(m_badge); });
 
     m_divider = new QFrame(this);

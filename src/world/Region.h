@@ -26,6 +26,8 @@ struct Region
     QString subtitle;
     bool explored = true;
     std::int64_t bounties = 0;
+    // Bytes grown since the remembered scan, set only where that is worth a mark on the map.
+    std::optional<std::int64_t> grown;
     double shade = 0;
     std::vector<QPointF> scenery;
     std::vector<QPointF> clouds;

@@ -3,6 +3,7 @@
 #include "game/Djb2.h"
 #include "platform/DisplayName.h"
 #include "scan/Fmt.h"
+#include "snapshot/GrowthRule.h"
 
 #include <QStringList>
 #include <algorithm>
@@ -61,9 +62,16 @@ Region RegionBuilder::build(const Tile &tile, const QRectF &rect)
     for (int c = 0; c < clouds; ++c)
         r.clouds.push_back(randomPoint(inner));
 
-    r.title = m_title(tile, r.tier);
+    r.title = m_sources.title(tile, r.tier);
     const QString name = DisplayName::of(tile.name);
-    const QString sizeText = folder && *folder ? Fmt::bytes((*folder)->size()) : QString();
+    QString sizeText = folder && *folder ? Fmt::bytes((*folder)->size()) : QString();
+    if (folder && *folder && m_sources.growth) {
+        const std::optional<std::int64_t> grown = m_sources.growth(**folder);
+        if (grown && GrowthRule::mark((*folder)->size(), *grown)) {
+            r.grown = grown;
+            sizeText += QStringLiteral(" · ") + Fmt::growth(*grown);
+        }
+    }
     if (r.title == name) {
         r.subtitle = sizeText;
     } else {
@@ -74,8 +82,8 @@ Region RegionBuilder::build(const Tile &tile, const QRectF &rect)
 
     // `shape` uses no random draws; WorldLayout::build warps all outlines in parallel.
     if (r.path) {
-        r.explored = m_explored(*r.path);
-        r.bounties = m_bounties(*r.path);
+        r.explored = m_sources.explored(*r.path);
+        r.bounties = m_sources.bounties(*r.path);
     }
     r.shade = (static_cast<int>(djb2(tile.name) % 7) - 3) * 0.018;
     return r;

@@ -8,9 +8,17 @@
 class RegionBuilder
 {
 public:
-    RegionBuilder(const Warp &warp, SplitMix64 &random, const WorldLayout::Explored &explored,
-                  const WorldLayout::Bounties &bounties, const WorldLayout::Title &title)
-        : m_warp(warp), m_random(random), m_explored(explored), m_bounties(bounties), m_title(title)
+    // What the territories learn from outside the tiles.
+    struct Sources
+    {
+        const WorldLayout::Explored &explored;
+        const WorldLayout::Bounties &bounties;
+        const WorldLayout::Title &title;
+        const WorldLayout::Growth &growth;
+    };
+
+    RegionBuilder(const Warp &warp, SplitMix64 &random, Sources sources)
+        : m_warp(warp), m_random(random), m_sources(sources)
     {}
 
     [[nodiscard]] Region build(const Tile &tile, const QRectF &rect);
@@ -20,7 +28,5 @@ private:
 
     const Warp &m_warp;
     SplitMix64 &m_random;
-    const WorldLayout::Explored &m_explored;
-    const WorldLayout::Bounties &m_bounties;
-    const WorldLayout::Title &m_title;
+    Sources m_sources;
 };

@@ -155,7 +155,7 @@ Shore shoreOf(QSizeF size, double zoom)
 
 WorldLayout WorldLayout::build(const std::vector<Tile> &tiles, const std::string &key, QSizeF size,
                                const Explored &explored, const Bounties &bounties,
-                               const Title &title, double zoom)
+                               const Title &title, double zoom, const Growth &growth)
 {
     WorldLayout layout;
     layout.size = size;
@@ -187,7 +187,7 @@ WorldLayout WorldLayout::build(const std::vector<Tile> &tiles, const std::string
             shapes[i - 1] = warp.warpedOutline(rects[i - 1]);
     });
 
-    RegionBuilder builder(layout.warp, random, explored, bounties, title);
+    RegionBuilder builder(layout.warp, random, {explored, bounties, title, growth});
     layout.regions.reserve(tiles.size());
     for (std::size_t i = 0; i < tiles.size(); ++i)
         layout.regions.push_back(builder.build(tiles[i], rects[i]));
@@ -205,6 +205,7 @@ WorldLayout WorldLayout::build(const std::vector<Tile> &tiles, const std::string
         hash.add(r.explored);
         hash.add(r.bounties);
         hash.add(r.title);
+        hash.add(r.subtitle);
     }
     layout.key = hash.value();
 

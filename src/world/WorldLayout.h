@@ -21,6 +21,8 @@ struct WorldLayout
     using Explored = std::function<bool(const std::string &path)>;
     using Bounties = std::function<std::int64_t(const std::string &path)>;
     using Title = std::function<QString(const Tile &tile, std::optional<Tier> tier)>;
+    // Bytes a folder grew since the remembered scan; none without one.
+    using Growth = std::function<std::optional<std::int64_t>(const Node &folder)>;
 
     QSizeF size;
     QRectF land;
@@ -36,7 +38,7 @@ struct WorldLayout
     [[nodiscard]] static WorldLayout build(const std::vector<Tile> &tiles, const std::string &key,
                                            QSizeF size, const Explored &explored,
                                            const Bounties &bounties, const Title &title,
-                                           double zoom = 1);
+                                           double zoom = 1, const Growth &growth = {});
 
     // The territory under a world point; the hint is tried first so that the hero keeps his
     // territory where outlines overlap.

@@ -3,6 +3,7 @@
 #include "report/JsonWriter.h"
 #include "report/Report.h"
 #include "scan/Scanner.h"
+#include "snapshot/SnapshotStore.h"
 #include "support/TestSandbox.h"
 #include "support/TreeBuilder.h"
 
@@ -283,6 +284,39 @@ private Q_SLOTS:
         QVERIFY(text.out.contains("Safe to delete · 1 · "));
         QVERIFY(text.out.contains("Compiled Python files. Regenerated automatically."));
         QVERIFY(text.out.contains("Total reclaimable: "));
+    }
+
+    void rememberedScansShowGrowthUnlessToldNot()
+    {
+        const QByteArray t = QFile::encodeName(TestSandbox::instance()->root()) + "/grows";
+        makeDir(t);
+        makeDir(t + "/old");
+        const std::uint64_t old = makeFile(t + "/old/f", 1'000'000);
+        makeDir(t + "/same");
+        const QStringList json{QStringLiteral("--scan=") + QFile::decodeName(t),
+                               QStringLiteral("--report=json")};
+        const QStringList untold = json + QStringList{QStringLiteral("--no-remember")};
+        const QString memory = SnapshotStore().fileFor(t.toStdString());
+        QVERIFY(!dustmere(untold).out.contains("\"grown\""));
+        QVERIFY(!QFile::exists(memory));
+        QCOMPARE(dustmere(json).exitCode, 0);
+        const QByteArray remembered = readFile(memory);
+        QVERIFY(remembered.size() > 0);
+
+        removeTree(t + "/old");
+        makeDir(t + "/new");
+        const std::uint64_t added = makeFile(t + "/new/f", 2'000'000);
+        QVERIFY(!dustmere(untold).out.contains("\"grown\""));
+        QCOMPARE(readFile(memory), remembered);
+        const QJsonObject r = QJsonDocument::fromJson(dustmere(json).out)["root"].toObject();
+        QCOMPARE(r["grown"].toInteger(), qint64(added) - qint64(old));
+        QCOMPARE(r["previous"]["size"].toInteger(), qint64(old));
+        QCOMPARE(r["previous"]["files"].toInteger(), 1);
+        QVERIFY(QDateTime::fromString(r["previous"]["date"].toString(), Qt::ISODate).isValid());
+        for (const QJsonValue c : r["children"].toArray())
+            QCOMPARE(c["grown"].toInteger(), c["name"] == "new" ? qint64(added) : 0);
+        const Run text = dustmere({json[0], QStringLiteral("--report")});
+        QVERIFY(text.out.split('\n')[2].contains("±0 since the last scan on "));
     }
 
     void badInputGivesOneLineAndStatusTwo_data()

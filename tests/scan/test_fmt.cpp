@@ -1,4 +1,5 @@
 #include "scan/Fmt.h"
+#include "scan/ScanEstimate.h"
 #include "support/TestSandbox.h"
 
 #include <limits>
@@ -38,6 +39,22 @@ private Q_SLOTS:
         QFETCH(quint64, n);
         QFETCH(QString, text);
         QCOMPARE(Fmt::bytes(n), text);
+    }
+
+    void growthAndProgress()
+    {
+        QCOMPARE(Fmt::growth(30'000'000), QStringLiteral("+30 MB"));
+        QCOMPARE(Fmt::growth(-300'000'000), QStringLiteral("−300 MB"));
+        QCOMPARE(Fmt::growth(0), QStringLiteral("±0"));
+        QCOMPARE(Fmt::growth(std::numeric_limits<qint64>::min()), QStringLiteral("−9.22 EB"));
+        using namespace std::chrono;
+        const ScanEstimate last(1000, 4'000'000);
+        QCOMPARE(last.at({500, 2'000'000}, 500ms), (ScanEstimate::Guess{50, std::nullopt}));
+        QCOMPARE(ScanEstimate::text(*last.at({250, 2'000'000}, 20s)),
+                 QStringLiteral("37% · about 35 s left"));
+        // More than last time: not done until the walk says so.
+        QCOMPARE(last.at({3000, 9'000'000}, 9s)->percent, 99);
+        QVERIFY(!ScanEstimate(0, 0).at({10, 10}, 9s));
     }
 
     void localeSeparators()

@@ -53,6 +53,43 @@ private Q_SLOTS:
         });
     }
 
+    void windowScansAreRememberedUnlessTurnedOff()
+    {
+        const QByteArray t = sandbox("remembered");
+        makeDir(t);
+        makeDir(t + "/a");
+        const auto model = makeModel();
+        model->setScanPath(t.toStdString());
+        ScanMemory &memory = model->memory();
+        const auto scan = [&] {
+            model->scan(*m_game);
+            waitForScan(*model);
+            memory.waitForWrites();
+        };
+        memory.setEnabled(false);
+        scan();
+        QVERIFY(!memory.store().summary(t.toStdString()));
+        memory.setEnabled(true);
+        scan();
+        QVERIFY(memory.store().summary(t.toStdString()));
+        QVERIFY(!model->grown(*model->root()));
+
+        const auto added = qint64(makeFile(t + "/a/f", 100'000));
+        scan();
+        QCOMPARE(model->grown(*model->root()), added);
+        QCOMPARE(model->grown(*model->root()->children().front()), added);
+        QCOMPARE(Model::nearest(model->root(), t.toStdString() + "/a/gone/deeper"),
+                 model->root()->children().front());
+        // Reopened, the remembered realm gives way to a fresh one.
+        model->reopen(t.toStdString(), *m_game);
+        waitForScan(*model);
+        QCOMPARE(model->origin().source, RealmOrigin::Source::scan);
+        QCOMPARE(model->root()->size(), model->previous()->summary().size);
+        memory.forget();
+        QVERIFY(!model->previous());
+        QVERIFY(!memory.store().summary(t.toStdString()));
+    }
+
     void initialState()
     {
         const auto model = makeModel();

@@ -1,9 +1,12 @@
+#include "advisor/Advisor.h"
 #include "game/Game.h"
 #include "platform/Home.h"
 #include "platform/Paths.h"
 #include "platform/Settings.h"
+#include "report/Report.h"
 #include "session/Model.h"
 #include "session/SlayRules.h"
+#include "snapshot/SnapshotCodec.h"
 #include "support/TestSandbox.h"
 #include "support/TreeBuilder.h"
 
@@ -136,6 +139,49 @@ private Q_SLOTS:
         QVERIFY(victim->size() >= blob);
     }
 
+    void anOpenedReportIsOnlyToLookAt()
+    {
+        const QByteArray tree = QFile::encodeName(TestSandbox::instance()->root()) + "/elsewhere";
+        makeDir(tree);
+        makeDir(tree + "/a");
+        makeDir(tree + "/a/__pycache__");
+        makeFile(tree + "/a/__pycache__/blob", 26 * MB);
+        Scanner scanner;
+        const NodePtr root = scanner.scan(tree.toStdString());
+        const QDateTime when = QDateTime::fromSecsSinceEpoch(1'763'600'000, Qt::UTC);
+        const Report::Input input{
+            root, scanner.bigFiles(), Advisor::advise(root, {}), {}, nullptr, QStringLiteral("far"),
+            when};
+        const QString report = QFile::decodeName(tree) + QStringLiteral(".json");
+        const QString snapshot = QFile::decodeName(tree) + QStringLiteral(".snapshot");
+        QVERIFY(writeFile(report, QByteArray::fromStdString(Report::json(input))));
+        QVERIFY(writeFile(snapshot, SnapshotCodec::pack(SnapshotCodec::flatten(
+                                        *root, {}, when, QStringLiteral("far")))));
+        m_root = tree.toStdString();
+        for (const QString &file : {report, snapshot}) {
+            m_model->open(file);
+            QTRY_VERIFY(m_model->readOnly());
+            QCOMPARE(m_model->origin(), (RealmOrigin{RealmOrigin::Source::report, "far", when}));
+            QCOMPARE(m_model->advice().size(), 1u);
+            const NodePtr victim = at("a/__pycache__");
+            QVERIFY(!m_model->canSlay(*victim) && !m_model->canReveal());
+            m_model->slay(victim, *m_game);
+            m_model->slayAll(m_model->advice(), *m_game);
+            QCOMPARE(m_played.front(), Sound::Sfx::denied());
+            QVERIFY(exists(m_root + "/a/__pycache__/blob"));
+            m_model->setScanPath(m_root); // the next open replaces this realm
+            m_model->scan(*m_game);
+            QTRY_VERIFY(!m_model->scanning());
+            m_played.clear();
+        }
+        // Anything else is one line, and the realm on show stays.
+        QSignalSpy failed(m_model.get(), &Model::openFailed);
+        m_model->open(QFile::decodeName(tree) + QStringLiteral("/a/__pycache__/blob"));
+        QVERIFY(failed.wait());
+        QVERIFY(failed[0][0].toString().startsWith(QStringLiteral("not a Dustmere report")));
+        QVERIFY(m_model->root());
+    }
+
     void aFileSlayShrinksItsFolder()
     {
         const QByteArray tree = QFile::encodeName(TestSandbox::instance()->root()) + "/file-slay";
@@ -179,10 +225,9 @@ private Q_SLOTS:
         QVERIFY(exists(m_root + "/d"));
         QCOMPARE(m_played,
                  (std::vector<Sound::Sfx>{Sound::Sfx::slay(Tier::microbe), Sound::Sfx::denied()}));
-        QCOMPARE(
-            m_model->error(),
-            std::optional(QStringLiteral(
-                "1 item couldn't be moved to the Trash (the system or another app protects them).")));
+        QCOMPARE(m_model->error(),
+                 std::optional(QStringLiteral("1 item couldn't be moved to the Trash (the system "
+                                              "or another app protects them).")));
         QTRY_VERIFY(std::any_of(m_toasts.begin(), m_toasts.end(), [](const Toast &t) {
             return t.title == QStringLiteral("Swept 2 monsters!");
         }));

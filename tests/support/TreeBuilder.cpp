@@ -1,5 +1,8 @@
 #include "support/TreeBuilder.h"
 
+#include "platform/Paths.h"
+#include "session/Model.h"
+
 #include <QDir>
 #include <QProcess>
 #include <QTest>
@@ -125,6 +128,28 @@ NodePtr addFolder(const NodePtr &parent, const std::string &name, std::uint64_t 
     n->finish();
     parent->appendChild(n);
     return n;
+}
+
+NodePtr memoryTree(const std::string &base,
+                   const std::vector<std::pair<std::string, std::uint64_t>> &folders)
+{
+    NodePtr root = Node::create(Node::rootName(base));
+    root->setBasePath(base);
+    std::vector<NodePtr> made{root};
+    for (const auto &[path, bytes] : folders) {
+        const auto slash = path.rfind('/');
+        const NodePtr parent = slash == std::string::npos
+                                   ? root
+                                   : Model::find(root, Paths::join(base, path.substr(0, slash)));
+        NodePtr n = Node::create(path.substr(slash + 1), parent);
+        if (bytes > 0)
+            n->addLoose(bytes);
+        parent->appendChild(n);
+        made.push_back(n);
+    }
+    for (auto it = made.rbegin(); it != made.rend(); ++it)
+        (*it)->finish();
+    return root;
 }
 
 Totals findTotals(const QByteArray &root)

@@ -7,6 +7,8 @@
 #include <QString>
 #include <cstdint>
 #include <ctime>
+#include <utility>
+#include <vector>
 
 // Builds real folder trees for tests. Paths are bytes so names may hold any byte but '/' and NUL.
 // Allocated sizes are what the scanner measures, so files are given real blocks with fallocate.
@@ -41,6 +43,11 @@ void removeTree(const QByteArray &root);
 // A finished folder node with `looseBytes` in one loose file (none for 0), appended to parent:
 // for trees built in memory rather than on disk.
 NodePtr addFolder(const NodePtr &parent, const std::string &name, std::uint64_t looseBytes = 0);
+
+// A finished tree in memory rooted at `base`: one folder per relative path ("a", "a/b"; parents
+// first) with the given loose bytes in one file, sized and ordered as a scan leaves them.
+NodePtr memoryTree(const std::string &base,
+                   const std::vector<std::pair<std::string, std::uint64_t>> &folders);
 
 // Sum of st_blocks × 512 and count of every non-folder entry below root on root's device, as
 // `find -xdev` sees them: an independent measure to compare the scanner against.

@@ -2,6 +2,7 @@
 #include "game/Achievement.h"
 #include "magic/Magic.h"
 #include "scan/Fmt.h"
+#include "support/TreeBuilder.h"
 #include "ui/screens/AchievementRow.h"
 #include "ui/screens/CharacterSheet.h"
 #include "ui/screens/HeroChoiceButton.h"
@@ -11,6 +12,7 @@
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QSignalSpy>
 
 using namespace Fixtures;
@@ -42,7 +44,7 @@ private Q_SLOTS:
 
     void everyEditOfTheNameIsStored()
     {
-        CharacterSheet sheet(*m_s->game, *m_magic);
+        CharacterSheet sheet(*m_s->game, *m_magic, m_s->model->memory());
         WelcomeView welcome(*m_s->model, *m_s->game);
         sheet.show();
         QVERIFY(QTest::qWaitForWindowActive(&sheet));
@@ -68,7 +70,7 @@ private Q_SLOTS:
 
     void choosingAHero()
     {
-        CharacterSheet sheet(*m_s->game, *m_magic);
+        CharacterSheet sheet(*m_s->game, *m_magic, m_s->model->memory());
         sheet.show();
         QVERIFY(QTest::qWaitForWindowExposed(&sheet));
         const std::vector<HeroChoiceButton *> &heroes = sheet.heroButtons();
@@ -92,7 +94,7 @@ private Q_SLOTS:
 
     void progressAndStatisticsFollowTheGame()
     {
-        CharacterSheet sheet(*m_s->game, *m_magic);
+        CharacterSheet sheet(*m_s->game, *m_magic, m_s->model->memory());
         QCOMPARE(sheet.statistic("Slain"), QStringLiteral("Zero KB"));
         QCOMPARE(sheet.statistic("Spells cast"), QStringLiteral("0"));
 
@@ -118,7 +120,7 @@ private Q_SLOTS:
 
     void achievementsShowWhatIsUnlocked()
     {
-        CharacterSheet sheet(*m_s->game, *m_magic);
+        CharacterSheet sheet(*m_s->game, *m_magic, m_s->model->memory());
         const auto rows = sheet.achievementRows();
         QCOMPARE(rows.size(), Achievement::all().size());
         QCOMPARE(rows.front()->achievement().id, QStringLiteral("first_scan"));
@@ -140,7 +142,7 @@ private Q_SLOTS:
 
     void thePlaceNameSwitchIsTheSetting()
     {
-        CharacterSheet sheet(*m_s->game, *m_magic);
+        CharacterSheet sheet(*m_s->game, *m_magic, m_s->model->memory());
         sheet.show();
         QVERIFY(QTest::qWaitForWindowExposed(&sheet));
         ToggleSwitch *toggle = sheet.placeNameSwitch();
@@ -153,6 +155,32 @@ private Q_SLOTS:
                  std::optional(false));
         m_s->game->setFantasyNames(true);
         QVERIFY(toggle->isChecked());
+    }
+
+    void rememberingIsASettingAndCanBeForgotten()
+    {
+        ScanMemory &memory = m_s->model->memory();
+        CharacterSheet sheet(*m_s->game, *m_magic, memory);
+        sheet.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&sheet));
+        ToggleSwitch *toggle = sheet.rememberSwitch();
+        QVERIFY(toggle->isChecked());
+        QVERIFY(!sheet.forgetButton()->isEnabled());
+        memory.remember(SnapshotCodec::flatten(*TreeBuilder::memoryTree("/x", {}), {},
+                                               QDateTime::currentDateTimeUtc(), {}));
+        QTRY_VERIFY(sheet.forgetButton()->isEnabled());
+
+        sheet.ensureWidgetVisible(toggle);
+        QTest::mouseClick(toggle, Qt::LeftButton, {}, toggle->trackRect().center());
+        QVERIFY(!memory.enabled());
+        QCOMPARE(Settings::boolean(*Settings::open(), QStringLiteral("rememberScans")),
+                 std::optional(false));
+        // Turned off, what is remembered can still be forgotten.
+        sheet.ensureWidgetVisible(sheet.forgetButton());
+        QTest::mouseClick(sheet.forgetButton(), Qt::LeftButton);
+        QVERIFY(memory.store().remembered().empty());
+        QVERIFY(!sheet.forgetButton()->isEnabled());
+        memory.setEnabled(true);
     }
 };
 

@@ -2,6 +2,7 @@
 #include "platform/Appearance.h"
 #include "scan/Fmt.h"
 #include "support/TreeBuilder.h"
+#include "ui/SegmentedControl.h"
 #include "ui/screens/Meter.h"
 #include "ui/screens/RankRow.h"
 #include "ui/screens/RankingView.h"
@@ -182,6 +183,38 @@ private Q_SLOTS:
         // The bar is 6 points high, centred: nothing above or below it.
         QVERIFY(!isRed(img.pixel(2, 2)));
         QVERIFY(!isRed(img.pixel(2, 11)));
+    }
+
+    void growthChipsBesideTheSizeAndTheGrowthOrder()
+    {
+        const QByteArray t = sandboxPath("grows");
+        makeDir(t);
+        for (const auto &[name, mb] :
+             {std::pair("a", 50), std::pair("b", 10), std::pair("c", 200)}) {
+            makeDir(t + "/" + name);
+            makeFile(t + "/" + name + "/f", std::uint64_t(mb) * MB);
+        }
+        QVERIFY(m_s->scan(t));
+        m_s->model->memory().waitForWrites();
+        const auto grewB = qint64(makeFile(t + "/b/g", 20 * MB));
+        makeFile(t + "/c/g", MB); // half a percent: no chip
+        QVERIFY(m_s->scan(t));
+
+        RankingView view(*m_s->model, *m_s->game);
+        view.resize(800, 400);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        QVERIFY(view.orderSwitch()->isVisible());
+        QStringList chips;
+        for (int i = 0; i < 3; ++i)
+            chips << view.row(i)->growthText();
+        QCOMPARE(chips, (QStringList{QString(), QString(), Fmt::growth(grewB)}));
+        QVERIFY(view.row(2)->accessibleName().endsWith(Fmt::bytes(m_s->at("b")->size()) +
+                                                       QStringLiteral(", ") + Fmt::growth(grewB)));
+        view.setByGrowth(true);
+        QCOMPARE(view.tiles().front().name, std::string("b"));
+        m_s->model->memory().forget();
+        QVERIFY(!view.byGrowth() && !view.orderSwitch()->isVisible());
     }
 
     void aRowShowsTheStubUntilItHasGrown()

@@ -279,16 +279,19 @@ private Q_SLOTS:
             [](const std::string &p) { return std::int64_t(p == "/u/Caches" ? 4 : 0); },
             [](const Tile &t, std::optional<Tier> tier) {
                 return t.name == "Caches" ? QStringLiteral("Treasure Caves") : plainTitle(t, tier);
-            });
+            },
+            1, // Caches grew by a fifth, Logs doubled but by too little to mark
+            [](const Node &n) { return std::optional<std::int64_t>(n.size() / 6); });
         QCOMPARE(seen, (QStringList{QStringLiteral("/u/Caches"), QStringLiteral("/u/Logs")}));
         const Region &caches = l.regions[0];
         QCOMPARE(caches.title, QStringLiteral("Treasure Caves"));
-        QCOMPARE(caches.subtitle, QStringLiteral("Caches · 1.2 GB"));
+        QCOMPARE(caches.subtitle, QStringLiteral("Caches · 1.2 GB · +200 MB"));
+        QCOMPARE(caches.grown, std::optional<std::int64_t>(200'000'000));
         QCOMPARE(caches.tier, std::optional<Tier>(Tier::ogre));
         QCOMPARE(caches.path, std::optional<std::string>("/u/Caches"));
         QVERIFY(!caches.explored && caches.bounties == 4);
         QCOMPARE(l.regions[1].subtitle, QStringLiteral("2 MB"));
-        QVERIFY(l.regions[1].explored && l.regions[1].bounties == 0);
+        QVERIFY(l.regions[1].explored && l.regions[1].bounties == 0 && !l.regions[1].grown);
         const Region &loose = l.regions[2];
         QVERIFY(!loose.tier && !loose.path && loose.explored && loose.subtitle.isEmpty());
     }

@@ -96,6 +96,7 @@ BountyRow::BountyRow(Model &model, Game &game, Advice item, QWidget *parent)
     buttons->setSpacing(4);
     m_reveal = symbolButton(tr("Reveal in File Manager"), this);
     connect(m_reveal, &QToolButton::clicked, this, [this] { m_model.reveal(m_item.path); });
+    m_reveal->setEnabled(m_model.canReveal());
     buttons->addWidget(m_reveal);
     if (const NodePtr node = m_item.folder()) {
         m_map = symbolButton(tr("Show on the map"), this);

@@ -6,6 +6,7 @@
 #include "magic/ui/ManaOrbs.h"
 #include "platform/Emoji.h"
 #include "scan/Fmt.h"
+#include "session/ScanMemory.h"
 #include "ui/screens/AchievementRow.h"
 #include "ui/screens/HeroChoiceButton.h"
 #include "ui/screens/Meter.h"
@@ -16,6 +17,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace {
@@ -46,8 +48,8 @@ const QStringList &CharacterSheet::heroes()
     return all;
 }
 
-CharacterSheet::CharacterSheet(Game &game, Magic &magic, QWidget *parent)
-    : QScrollArea(parent), m_game(game), m_magic(magic), m_content(new QWidget)
+CharacterSheet::CharacterSheet(Game &game, Magic &magic, ScanMemory &memory, QWidget *parent)
+    : QScrollArea(parent), m_game(game), m_magic(magic), m_memory(memory), m_content(new QWidget)
 {
     setFixedSize(sheetWidth, sheetHeight);
     setFrameShape(QFrame::NoFrame);
@@ -64,6 +66,7 @@ CharacterSheet::CharacterSheet(Game &game, Magic &magic, QWidget *parent)
     column->addWidget(buildHeroGrid());
     column->addWidget(buildStatistics());
     column->addWidget(buildPlaceNames());
+    column->addWidget(buildMemory());
     column->addWidget(buildAchievements());
     column->addStretch();
     setWidget(m_content);
@@ -77,12 +80,14 @@ CharacterSheet::CharacterSheet(Game &game, Magic &magic, QWidget *parent)
     connect(&m_game, &Game::fantasyNamesChanged, this,
             [this] { m_placeNames->follow(m_game.fantasyNames()); });
     connect(&m_game, &Game::unlockedChanged, this, &CharacterSheet::refreshAchievements);
+    connect(&m_memory, &ScanMemory::rememberedChanged, this, &CharacterSheet::refreshMemory);
 
     refreshHero();
     m_meter->jumpTo(m_game.levelProgress());
     refreshLevel();
     refreshStatistics();
     refreshAchievements();
+    refreshMemory();
 }
 
 QWidget *CharacterSheet::buildHeader()
@@ -200,6 +205,30 @@ QWidget *CharacterSheet::buildPlaceNames()
     return box;
 }
 
+QWidget *CharacterSheet::buildMemory()
+{
+    auto *box = new QWidget(m_content);
+    auto *column = new QVBoxLayout(box);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(4);
+    m_remember = new ToggleSwitch(tr("Remember scans"), box);
+    m_remember->setFont(TextStyle::body());
+    m_remember->follow(m_memory.enabled());
+    connect(m_remember, &ToggleSwitch::toggled, this, [this](bool on) { m_memory.setEnabled(on); });
+    column->addWidget(m_remember);
+    auto *caption = text(tr("Shows what grew since the last scan and opens a remembered folder at "
+                            "once. Kept in your cache folder, for the 8 most recent folders."),
+                         TextStyle::caption(), box, true);
+    caption->setWordWrap(true);
+    column->addWidget(caption);
+    m_forget = new QPushButton(tr("Forget remembered scans"), box);
+    m_forget->setCursor(Qt::PointingHandCursor);
+    m_forget->setMinimumSize(m_forget->sizeHint() + QSize(24, 6));
+    connect(m_forget, &QPushButton::clicked, this, [this] { m_memory.forget(); });
+    column->addWidget(m_forget, 0, Qt::AlignLeft);
+    return box;
+}
+
 QWidget *CharacterSheet::buildAchievements()
 {
     auto *box = new QWidget(m_content);
@@ -258,6 +287,13 @@ void CharacterSheet::refreshAchievements()
         row->setUnlocked(on);
     }
     m_achievementsTitle->setText(tr("Achievements · %1/%2").arg(unlocked).arg(all.size()));
+}
+
+void CharacterSheet::refreshMemory()
+{
+    m_remember->follow(m_memory.enabled());
+    // Turned off, what was remembered can still be forgotten.
+    m_forget->setEnabled(!m_memory.store().remembered().empty());
 }
 
 QString CharacterSheet::statistic(const QString &label) const

@@ -10,10 +10,12 @@ class Magic;
 class Meter;
 class QLabel;
 class QLineEdit;
+class QPushButton;
+class ScanMemory;
 class ToggleSwitch;
 
 // The hero's page: name, level and experience, the choice of heroes, statistics, the place-name
-// setting and the achievements. Every edit goes straight to the game state.
+// and remembered-scan settings and the achievements. Every edit goes straight to the state.
 class CharacterSheet : public QScrollArea
 {
     Q_OBJECT
@@ -26,11 +28,13 @@ public:
     // The twelve heroes, in the order of the grid; the first is the default.
     [[nodiscard]] static const QStringList &heroes();
 
-    CharacterSheet(Game &game, Magic &magic, QWidget *parent = nullptr);
+    CharacterSheet(Game &game, Magic &magic, ScanMemory &memory, QWidget *parent = nullptr);
 
     [[nodiscard]] QLineEdit *nameField() const { return m_name; }
     [[nodiscard]] Meter *levelMeter() const { return m_meter; }
     [[nodiscard]] ToggleSwitch *placeNameSwitch() const { return m_placeNames; }
+    [[nodiscard]] ToggleSwitch *rememberSwitch() const { return m_remember; }
+    [[nodiscard]] QPushButton *forgetButton() const { return m_forget; }
     [[nodiscard]] const std::vector<HeroChoiceButton *> &heroButtons() const { return m_heroes; }
     [[nodiscard]] const std::vector<AchievementRow *> &achievementRows() const
     {
@@ -44,14 +48,17 @@ private:
     QWidget *buildHeroGrid();
     QWidget *buildStatistics();
     QWidget *buildPlaceNames();
+    QWidget *buildMemory();
     QWidget *buildAchievements();
     void refreshHero();
     void refreshLevel();
     void refreshStatistics();
     void refreshAchievements();
+    void refreshMemory();
 
     Game &m_game;
     Magic &m_magic;
+    ScanMemory &m_memory;
     QWidget *m_content;
     QLabel *m_heroEmoji = nullptr;
     QLineEdit *m_name = nullptr;
@@ -61,6 +68,8 @@ private:
     std::vector<HeroChoiceButton *> m_heroes;
     std::vector<std::pair<QString, QLabel *>> m_stats;
     ToggleSwitch *m_placeNames = nullptr;
+    ToggleSwitch *m_remember = nullptr;
+    QPushButton *m_forget = nullptr;
     QLabel *m_achievementsTitle = nullptr;
     std::vector<AchievementRow *> m_achievements;
 };

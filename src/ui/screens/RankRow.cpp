@@ -1,12 +1,14 @@
 #include "ui/screens/RankRow.h"
 
 #include "game/Game.h"
+#include "platform/Appearance.h"
 #include "platform/DisplayName.h"
 #include "platform/Emoji.h"
 #include "platform/Spring.h"
 #include "platform/TabularDigits.h"
 #include "scan/Fmt.h"
 #include "session/Model.h"
+#include "snapshot/GrowthRule.h"
 #include "ui/screens/Meter.h"
 #include "ui/screens/TextStyle.h"
 #include "ui/screens/TileMenu.h"
@@ -23,6 +25,8 @@ constexpr int glyphSize = 24;
 constexpr double emojiPixels = 18;
 constexpr double fileBadgePixels = 11;
 constexpr int deathMs = 500;
+constexpr AdaptiveColor grewColor{0xC2410C, 0xFB923C};
+constexpr AdaptiveColor shrankColor{0x15803D, 0x4ADE80};
 
 } // namespace
 
@@ -90,9 +94,14 @@ void RankRow::setEntry(int rank, Tile tile, double fraction)
     m_meter->setTint(tier() ? std::optional(Tiers::landColor(*tier())) : std::nullopt);
     if (m_grown && rescaled)
         m_meter->setValue(m_fraction);
-    setAccessibleName(QStringLiteral("Rank %1, %2, %3")
+    const NodePtr *folder = m_tile.folder();
+    m_growth = folder ? m_model.grown(**folder) : std::nullopt;
+    const QString growth = growthText();
+    setAccessibleName(QStringLiteral("Rank %1, %2, %3%4")
                           .arg(m_rank)
-                          .arg(DisplayName::of(m_tile.name), valueText()));
+                          .arg(DisplayName::of(m_tile.name), valueText(),
+                               growth.isEmpty() ? QString() : QStringLiteral(", ") + growth));
+    layoutMeter();
     refreshDying();
     update();
 }
@@ -141,6 +150,37 @@ QString RankRow::valueText() const
     if (const BigFile *file = m_tile.file())
         return Fmt::bytes(file->size);
     return Metrics::format(m_model.metric(), m_tile.value);
+}
+
+QString RankRow::growthText() const
+{
+    const NodePtr *folder = m_tile.folder();
+    if (!m_growth || !folder || !GrowthRule::chip((*folder)->size(), *m_growth))
+        return {};
+    return Fmt::growth(*m_growth);
+}
+
+int RankRow::chipRoom() const
+{
+    return m_model.previous() ? chipWidth + gap : 0;
+}
+
+void RankRow::paintChip(QPainter &p)
+{
+    const QString text = growthText();
+    if (text.isEmpty())
+        return;
+    const QColor tint = Appearance::resolve(*m_growth > 0 ? grewColor : shrankColor, palette());
+    const QRectF chip(width() - padX - valueWidth - gap - chipWidth, (height() - 20) / 2.0,
+                      chipWidth, 20);
+    QColor fill = tint;
+    fill.setAlphaF(0.16);
+    p.setPen(Qt::NoPen);
+    p.setBrush(fill);
+    p.drawRoundedRect(chip, 10, 10);
+    p.setPen(tint);
+    p.setFont(TextStyle::caption());
+    TabularDigits::draw(p, chip.toRect(), Qt::AlignCenter, text);
 }
 
 void RankRow::refreshDying()
@@ -194,7 +234,7 @@ QPointF RankRow::iconCentre() const
 void RankRow::layoutMeter()
 {
     const int x = nameX + nameWidth + gap;
-    const int w = std::max(0, width() - x - gap - valueWidth - padX);
+    const int w = std::max(0, width() - x - gap - chipRoom() - valueWidth - padX);
     m_meter->setGeometry(x, (height() - meterHeight) / 2, w, meterHeight);
 }
 
@@ -263,6 +303,7 @@ void RankRow::paintEvent(QPaintEvent *)
     p.setFont(TextStyle::callout());
     TabularDigits::draw(p, QRect(width() - padX - valueWidth, 0, valueWidth, height()),
                         Qt::AlignRight | Qt::AlignVCenter, valueText());
+    paintChip(p);
 }
 
 void RankRow::enterEvent(QEnterEvent *)

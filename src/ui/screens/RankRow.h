@@ -13,6 +13,7 @@ class Game;
 class Meter;
 class Model;
 class QGraphicsOpacityEffect;
+class QPainter;
 
 // One ranked tile: place, monster, name, a bar proportional to the value, and the value. Hovering
 // growls, clicking a folder enters it, the context menu (menu key, Shift+F10) offers the tile's
@@ -29,6 +30,7 @@ public:
     static constexpr int iconWidth = 26;
     static constexpr int nameWidth = 220;
     static constexpr int valueWidth = 110;
+    static constexpr int chipWidth = 84;
     static constexpr int nameX = padX + placeWidth + gap + iconWidth + gap;
     static constexpr int meterHeight = 14;
     static constexpr double slide = 40;
@@ -44,6 +46,8 @@ public:
     [[nodiscard]] bool dying() const { return m_dying; }
     [[nodiscard]] double iconScale() const { return m_iconScale; }
     [[nodiscard]] Meter *meter() const { return m_meter; }
+    // The growth chip's text ("+2.1 GB", "−300 MB"); empty where the change is too small to show.
+    [[nodiscard]] QString growthText() const;
     // The monster of the tile under the active metric; folders and big files have one (a file's
     // is always by its bytes).
     [[nodiscard]] std::optional<Tier> tier() const;
@@ -83,6 +87,9 @@ private:
     void applyDeath(double progress);
     void layoutMeter();
     [[nodiscard]] QString valueText() const;
+    // Beside the value, never over it: the room taken by the chips while growth is known.
+    [[nodiscard]] int chipRoom() const;
+    void paintChip(QPainter &p);
     [[nodiscard]] QPointF iconCentre() const;
 
     Model &m_model;
@@ -90,6 +97,7 @@ private:
     int m_rank;
     Tile m_tile;
     double m_fraction;
+    std::optional<std::int64_t> m_growth;
     bool m_grown = false;
     bool m_hot = false;
     bool m_dying = false;

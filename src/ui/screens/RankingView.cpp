@@ -2,17 +2,20 @@
 
 #include "game/Game.h"
 #include "session/Model.h"
+#include "ui/SegmentedControl.h"
 #include "ui/screens/RankRow.h"
 
 #include <QEvent>
 #include <QKeyEvent>
 #include <QScrollBar>
 #include <QTimer>
+#include <QToolButton>
 #include <algorithm>
 #include <unordered_map>
 
 RankingView::RankingView(Model &model, Game &game, QWidget *parent)
-    : QScrollArea(parent), m_model(model), m_game(game), m_column(new QWidget)
+    : QScrollArea(parent), m_model(model), m_game(game), m_column(new QWidget),
+      m_order(new SegmentedControl(tr("Order"), this))
 {
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(false);
@@ -22,6 +25,17 @@ RankingView::RankingView(Model &model, Game &game, QWidget *parent)
     m_column->setAutoFillBackground(false);
     viewport()->setAutoFillBackground(false);
     setAccessibleName(tr("Ranking"));
+    m_order->addSegment(QString(), QIcon(), tr("Largest first"));
+    m_order->addSegment(tr("By growth"), QIcon(), tr("What grew most since the last scan first"));
+    connect(m_order, &SegmentedControl::selectedChanged, this,
+            [this](int i) { setByGrowth(i == 1); });
+    connect(&m_model, &Model::previousChanged, this, [this] {
+        if (!m_model.previous())
+            m_byGrowth = false;
+        refreshOrder();
+        invalidate(true);
+    });
+    refreshOrder();
 
     connect(&m_model, &Model::currentChanged, this, [this] {
         m_cameFrom = m_level;
@@ -30,7 +44,10 @@ RankingView::RankingView(Model &model, Game &game, QWidget *parent)
     });
     connect(&m_model, &Model::rootChanged, this, [this] { invalidate(true); });
     // A new metric re-sorts everything and runs the grow-in again, so every row starts afresh.
-    connect(&m_model, &Model::metricChanged, this, [this] { invalidate(true); });
+    connect(&m_model, &Model::metricChanged, this, [this] {
+        refreshOrder();
+        invalidate(true);
+    });
     connect(&m_model, &Model::changed, this, [this] { invalidate(false); });
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &RankingView::materializeVisible);
 }
@@ -41,6 +58,27 @@ void RankingView::setReduceMotion(bool on)
     for (const auto &row : m_rows)
         if (row)
             row->setReduceMotion(on);
+}
+
+void RankingView::setByGrowth(bool on)
+{
+    on = on && m_model.previous();
+    if (on == m_byGrowth)
+        return;
+    m_byGrowth = on;
+    refreshOrder();
+    invalidate(true);
+}
+
+void RankingView::refreshOrder()
+{
+    const bool shown = m_model.previous() != nullptr;
+    m_order->setVisible(shown);
+    m_order->segment(0)->setText(tr("By %1").arg(Metrics::label(m_model.metric()).toLower()));
+    m_order->setSelected(m_byGrowth ? 1 : 0);
+    m_order->adjustSize();
+    m_order->move(padding, (headerHeight - m_order->height()) / 2);
+    setViewportMargins(0, shown ? headerHeight : 0, 0, 0);
 }
 
 QRect RankingView::rowRect(int index, int width)
@@ -72,8 +110,15 @@ void RankingView::rebuildIfStale()
     if (!m_stale)
         return;
     m_stale = false;
-    m_tiles = m_model.rankedTiles(limit);
-    m_top = m_tiles.empty() || m_tiles.front().value <= 0 ? 1.0 : m_tiles.front().value;
+    m_tiles = m_model.rankedTiles(limit, m_byGrowth);
+    // Bars measure against the largest folder, which by growth need not come first; the loose
+    // files and the rest may outgrow it and fill their bar.
+    m_top = m_tiles.empty() ? 0 : m_tiles.front().value;
+    for (const Tile &t : m_tiles)
+        if (t.folder())
+            m_top = std::max(m_top, t.value);
+    if (m_top <= 0)
+        m_top = 1;
 
     // Rows whose tile is still listed keep their state; the rest go.
     std::unordered_map<std::string, QPointer<RankRow>> kept;

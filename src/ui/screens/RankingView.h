@@ -11,6 +11,7 @@
 class Game;
 class Model;
 class RankRow;
+class SegmentedControl;
 
 // The tiles of the current folder as ranked rows, largest first, then its own big files.
 // From the keyboard: Up/Down/Home/End select a row, Backspace or Alt+Up goes up a level.
@@ -28,10 +29,16 @@ public:
     static constexpr int limit = 100;
     static constexpr int padding = 12;
     static constexpr int spacing = 2;
+    static constexpr int headerHeight = 40;
 
     RankingView(Model &model, Game &game, QWidget *parent = nullptr);
 
     void setReduceMotion(bool on);
+    // Folders that grew most first, rather than the largest; only while growth is known.
+    void setByGrowth(bool on);
+    [[nodiscard]] bool byGrowth() const { return m_byGrowth; }
+    // The choice of order, shown above the rows while there is a remembered scan to compare with.
+    [[nodiscard]] SegmentedControl *orderSwitch() const { return m_order; }
 
     // The listed tiles, in rank order (rebuilt first when stale).
     [[nodiscard]] const std::vector<Tile> &tiles();
@@ -53,6 +60,7 @@ protected:
 
 private:
     void invalidate(bool freshRows);
+    void refreshOrder();
     void rebuildIfStale();
     void retire(RankRow *row);
     void placeRows();
@@ -66,6 +74,8 @@ private:
     Model &m_model;
     Game &m_game;
     QWidget *m_column;
+    SegmentedControl *m_order;
+    bool m_byGrowth = false;
     std::vector<Tile> m_tiles;
     std::vector<QPointer<RankRow>> m_rows;
     double m_top = 1;

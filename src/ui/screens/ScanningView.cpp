@@ -2,6 +2,7 @@
 
 #include "game/Game.h"
 #include "game/Lore.h"
+#include "game/Tier.h"
 #include "magic/ui/AmbientLayer.h"
 #include "platform/Appearance.h"
 #include "platform/DisplayName.h"
@@ -10,6 +11,7 @@
 #include "scan/Fmt.h"
 #include "session/Model.h"
 #include "ui/screens/MaterialCard.h"
+#include "ui/screens/Meter.h"
 #include "ui/screens/SwayingBroom.h"
 #include "ui/screens/TextStyle.h"
 #include "world/ui/IslandRenderer.h"
@@ -45,6 +47,11 @@ ScanningView::ScanningView(Model &model, Game &game, bool reduceMotion, QWidget 
     m_status->setFont(TextStyle::callout());
     TextStyle::makeSecondary(m_status);
     column->addWidget(m_status);
+    m_meter = new Meter(m_card);
+    m_meter->setReduceMotion(reduceMotion);
+    m_meter->setFixedHeight(8);
+    m_meter->setTint(Tiers::landColor(Tier::dragon));
+    column->addWidget(m_meter);
     row->addLayout(column);
     m_stop = new QPushButton(tr("Stop"), m_card);
     m_stop->setToolTip(tr("Stop (Esc)"));
@@ -103,9 +110,23 @@ void ScanningView::refreshText()
 {
     m_heading->setText(tr("Charting %1…").arg(folderName()));
     const Model::Progress progress = m_model.progress();
-    m_status->setText(tr("%1 territories charted · %2 files · %3")
-                          .arg(m_model.partial().size())
-                          .arg(Fmt::count(progress.files), Fmt::bytes(progress.bytes)));
+    QString status = tr("%1 territories charted · %2 files · %3")
+                         .arg(m_model.partial().size())
+                         .arg(Fmt::count(progress.files), Fmt::bytes(progress.bytes));
+    // A folder scanned before tells how far this scan has come.
+    const std::optional<ScanEstimate::Guess> guess = m_model.estimate();
+    if (guess)
+        status = ScanEstimate::text(*guess) + QStringLiteral(" · ") + status;
+    m_status->setText(status);
+    m_meter->setVisible(guess.has_value());
+    if (guess) {
+        // A new scan starts from nothing rather than sliding back.
+        const double done = guess->percent / 100.0;
+        if (done < m_meter->value())
+            m_meter->jumpTo(done);
+        else if (done > m_meter->value())
+            m_meter->setValue(done);
+    }
     placeCard();
 }
 

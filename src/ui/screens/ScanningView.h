@@ -9,6 +9,7 @@
 class AmbientLayer;
 class Game;
 class MaterialCard;
+class Meter;
 class Model;
 class QLabel;
 class QPushButton;
@@ -31,6 +32,7 @@ public:
     [[nodiscard]] QString status() const;
     [[nodiscard]] QPushButton *stopButton() const { return m_stop; }
     [[nodiscard]] MaterialCard *card() const { return m_card; }
+    [[nodiscard]] Meter *meter() const { return m_meter; }
     // Whether the island of the finished folders is drawn (else the plain sea).
     [[nodiscard]] bool showsIsland() const;
     // The island is drawn on a worker thread; this waits for the drawing in progress.
@@ -64,5 +66,6 @@ private:
     MaterialCard *m_card;
     QLabel *m_heading;
     QLabel *m_status;
+    Meter *m_meter;
     QPushButton *m_stop;
 };

@@ -21,6 +21,10 @@ TileMenu::TileMenu(Model &model, Game &game, Tile tile, QWidget *parent)
                 m_model.reveal(current->path());
         });
     }
+    // A report's paths may be another machine's.
+    for (QAction *a : actions())
+        if (a->text().startsWith(tr("Reveal")))
+            a->setEnabled(m_model.canReveal());
     if (const auto pending = m_model.slayRequest(m_tile)) {
         addSeparator();
         const QString slay = tr("⚔️ Slay (Move to Trash)…");

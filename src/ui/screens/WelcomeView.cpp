@@ -1,8 +1,10 @@
 #include "ui/screens/WelcomeView.h"
 
 #include "game/Game.h"
+#include "platform/DisplayName.h"
 #include "platform/Emoji.h"
 #include "platform/Home.h"
+#include "scan/Fmt.h"
 #include "session/Model.h"
 #include "ui/screens/ProminentButton.h"
 #include "ui/screens/TextStyle.h"
@@ -67,12 +69,58 @@ WelcomeView::WelcomeView(Model &model, Game &game, QWidget *parent)
     buttons->addWidget(m_choose);
     buttons->addStretch();
     column->addLayout(buttons);
+    m_rememberedColumn = new QVBoxLayout;
+    m_rememberedColumn->setSpacing(0);
+    column->addSpacing(8);
+    column->addLayout(m_rememberedColumn);
     column->addStretch();
 
     setFocusProxy(m_scanHome);
     connect(&m_game, &Game::heroChanged, this, &WelcomeView::refreshTitle);
     connect(&m_game, &Game::heroNameChanged, this, &WelcomeView::refreshTitle);
+    connect(&m_model.memory(), &ScanMemory::rememberedChanged, this,
+            &WelcomeView::refreshRemembered);
     refreshTitle();
+    refreshRemembered();
+}
+
+QString WelcomeView::rememberedText(const SnapshotSummary &scan, const QDateTime &now)
+{
+    const QString name =
+        scan.root == Home::path() ? tr("Home") : DisplayName::of(Node::rootName(scan.root));
+    return tr("%1 · %2 · scanned %3").arg(name, Fmt::bytes(scan.size), Fmt::ago(scan.scanned, now));
+}
+
+void WelcomeView::refreshRemembered()
+{
+    // Later, not now: the list may change while one of its buttons is being clicked.
+    m_remembered.clear();
+    while (QLayoutItem *item = m_rememberedColumn->takeAt(0)) {
+        if (QWidget *w = item->widget()) {
+            w->hide();
+            w->deleteLater();
+        }
+        delete item;
+    }
+    const std::vector<SnapshotSummary> scans = m_model.memory().remembered();
+    if (scans.empty())
+        return;
+    auto *heading = new QLabel(tr("Open a folder scanned before"), this);
+    heading->setFont(TextStyle::caption());
+    heading->setAlignment(Qt::AlignCenter);
+    TextStyle::makeSecondary(heading);
+    m_rememberedColumn->addWidget(heading);
+    const QDateTime now = QDateTime::currentDateTime();
+    for (const SnapshotSummary &scan : scans) {
+        auto *b = new QPushButton(rememberedText(scan, now), this);
+        b->setFlat(true);
+        b->setCursor(Qt::PointingHandCursor);
+        b->setToolTip(DisplayName::of(scan.root));
+        connect(b, &QPushButton::clicked, this,
+                [this, root = scan.root] { m_model.reopen(root, m_game); });
+        m_rememberedColumn->addWidget(b, 0, Qt::AlignHCenter);
+        m_remembered.push_back(b);
+    }
 }
 
 QString WelcomeView::title() const

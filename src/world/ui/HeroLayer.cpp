@@ -51,6 +51,7 @@ HeroLayer::HeroLayer(Player &player, Model &model, Game &game, bool reduceMotion
     connect(&m_player, &Player::floaterChanged, this, &HeroLayer::floaterChanged);
     connect(&m_player, &Player::regionIndexChanged, this, &HeroLayer::refreshChoices);
     connect(&m_player, &Player::nearMonsterChanged, this, &HeroLayer::refreshChoices);
+    connect(&m_model, &Model::originChanged, this, &HeroLayer::refreshChoices);
     connect(&m_model, &Model::changed, this, &HeroLayer::refreshChoices);
     connect(&m_model, &Model::dyingChanged, this, &HeroLayer::refreshChoices);
     connect(&m_game, &Game::heroChanged, this, &HeroLayer::changed);
@@ -73,7 +74,9 @@ void HeroLayer::refreshChoices()
     const bool rename = region && region->path.has_value();
     // While a monster dies there is nothing to choose, and its reward rises where the panel was.
     const bool open = !m_model.dying();
-    m_prompt->setChoices(open && enter, open && m_player.nearMonster(), open && rename);
+    // A remembered or opened realm is only to look at.
+    const bool fight = open && m_player.nearMonster() && !m_model.readOnly();
+    m_prompt->setChoices(open && enter, fight, open && rename);
     // The panel changed size, and the message moves up or down with it.
     Q_EMIT changed();
 }

@@ -2,6 +2,7 @@
 
 #include "platform/TabularDigits.h"
 #include "world/ui/Glow.h"
+#include "world/ui/GrowthMark.h"
 #include "world/ui/MapFonts.h"
 #include "world/ui/Terrain.h"
 
@@ -80,7 +81,7 @@ void WorldCanvas::setWorld(const WorldLayout &layout, const QString &title)
             const Region &was = m_layout.regions[i];
             const Region &now = layout.regions[i];
             if (was.explored != now.explored || was.bounties != now.bounties ||
-                was.title != now.title || was.subtitle != now.subtitle)
+                was.title != now.title || was.subtitle != now.subtitle || was.grown != now.grown)
                 dirty.push_back(regionArea(i));
         }
         if (title != m_title)
@@ -132,6 +133,8 @@ QRectF WorldCanvas::regionArea(std::size_t index) const
     area |= QRectF(label.x() - labelHalfWidth, label.y() - 24, 2 * labelHalfWidth, 64);
     const QPointF bounty = bountyAnchor(r);
     area |= QRectF(bounty.x() - 40, bounty.y() - 40, 80, 80);
+    const QPointF growth = GrowthMark::anchor(r);
+    area |= QRectF(growth.x() - 20, growth.y() - 20, 40, 40);
     return area;
 }
 
@@ -309,6 +312,7 @@ void WorldCanvas::paint(QPainter &painter, const WorldPalette &colors, const QRe
 
     paintLabels(painter, colors, area);
     paintBounties(painter, area);
+    GrowthMark::paint(painter, m_stamps, l.regions, area);
     paintRealmTitle(painter, colors, area);
     const QPointF compass(26, l.size.height() - 26);
     if (near(compass, area, 30))

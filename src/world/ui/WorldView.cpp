@@ -61,8 +61,9 @@ WorldView::WorldView(Model &model, Game &game, Magic &magic, bool reduceMotion,
     connect(m_caster.get(), &SpellCaster::pendingFireChanged, this, &WorldView::pendingFireChanged);
 
     connect(&m_model, &Model::currentChanged, this, &WorldView::levelChanged);
-    for (const auto signal : {&Model::zoomLevelChanged, &Model::metricChanged,
-                              &Model::adviceChanged, &Model::changed, &Model::rootChanged})
+    for (const auto signal :
+         {&Model::zoomLevelChanged, &Model::metricChanged, &Model::adviceChanged, &Model::changed,
+          &Model::rootChanged, &Model::previousChanged})
         connect(&m_model, signal, this, &WorldView::scheduleRebuild);
     for (const auto signal :
          {&Game::customNamesChanged, &Game::fantasyNamesChanged, &Game::seenChanged})
@@ -132,7 +133,7 @@ void WorldView::rebuild()
                 return m_game.placeName((*folder)->path(), tile.name, tier);
             return DisplayName::of(tile.name);
         },
-        scale);
+        scale, [this](const Node &folder) { return m_model.grown(folder); });
     m_player->update(layout, view);
     m_scene->setWorld(layout, realmTitle());
     m_miniMap->setWorld(layout);
@@ -198,6 +199,13 @@ void WorldView::fight()
     const std::optional<Region> region = m_player->currentRegion();
     const NodePtr *folder = region ? region->tile.folder() : nullptr;
     const bool slayable = folder && *folder && m_model.canSlay(**folder);
+    if (m_model.readOnly()) {
+        m_model.play(Sound::Sfx::denied());
+        m_player->say(m_model.origin().source == RealmOrigin::Source::remembered
+                          ? QStringLiteral("Wait for the fresh scan to fight")
+                          : QStringLiteral("A report is only to look at"));
+        return;
+    }
     if (slayable && m_player->nearMonster()) {
         m_model.setPending(Model::PendingFolder{*folder});
         return;
