@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int frameMs = 83; // 12 frames a second: motes drift and twinkle slowly
+constexpr int frameMs = 100; // 10 frames a second: motes drift and twinkle slowly
 const QColor warmMote = QColor::fromRgbF(1.0f, 0.9f, 0.45f);
 
 // A filled ellipse whose edge is softened over `blur` points on each side, centred on (0, 0).

@@ -13,7 +13,7 @@
 #include <vector>
 
 // Drifting cloud shadows and twinkling motes over the map. Each frame repaints only where the
-// shapes were and are (the map below repaints those spots from its cache), motes 12 times a second
+// shapes were and are (the map below repaints those spots from its cache), motes 10 times a second
 // and clouds when they move. With reduce motion it draws nothing. Mouse events pass through.
 class AmbientLayer : public QWidget
 {

@@ -171,7 +171,7 @@ void WorldScene::frame()
     paintDue();
 }
 
-// The view is kept in an image as well: the ambient layer above repaints small spots twelve times
+// The view is kept in an image as well: the ambient layer above repaints small spots ten times
 // a second, and copying them from the image is far cheaper than drawing the monsters and the
 // outline again. What the scene itself changes is marked stale and drawn again before copying;
 // a paint of the whole view (a scroll, a new island) goes straight to the screen and leaves the
