@@ -94,10 +94,7 @@ public:
     {
         const std::string &name = node.name();
         if (path == m_home + "/.Trash" || (!m_trash.empty() && path == m_trash))
-            return Verdict{Safety::review,
-                           "Already in the Trash. Empty the Trash in your file manager to actually "
-                           "free this space.",
-                           false};
+            return Verdict::inTrash();
         if (path == m_dev + "/Xcode/DerivedData")
             return Verdict{Safety::safe, "Xcode build products. Rebuilt on your next build."};
         if (path == m_dev + "/Xcode/Archives")

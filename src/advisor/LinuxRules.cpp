@@ -139,9 +139,6 @@ std::optional<Verdict> LinuxRules::folder(const std::string &name, const std::st
     // Other file systems' Trash folders: $topdir/.Trash-$uid and $topdir/.Trash/$uid.
     if ((name.starts_with(".Trash-") && isNumber(std::string_view(name).substr(7))) ||
         (isNumber(name) && Paths::lastComponent(parentPath) == ".Trash"))
-        return Verdict{Safety::review,
-                       "Already in the Trash. Empty the Trash in your file manager to actually "
-                       "free this space.",
-                       false};
+        return Verdict::inTrash();
     return std::nullopt;
 }

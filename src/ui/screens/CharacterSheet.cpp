@@ -185,47 +185,48 @@ QWidget *CharacterSheet::buildStatistics()
     return box;
 }
 
-QWidget *CharacterSheet::buildPlaceNames()
+// A switch with a line of explanation under it, in a box of its own.
+QWidget *CharacterSheet::switchBox(ToggleSwitch *&toggle, const QString &label,
+                                   const QString &explanation)
 {
     auto *box = new QWidget(m_content);
     auto *column = new QVBoxLayout(box);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(4);
-    m_placeNames = new ToggleSwitch(tr("Fantasy place names on the map"), box);
-    m_placeNames->setFont(TextStyle::body());
-    m_placeNames->follow(m_game.fantasyNames());
-    connect(m_placeNames, &ToggleSwitch::toggled, this,
-            [this](bool on) { m_game.setFantasyNames(on); });
-    column->addWidget(m_placeNames);
-    auto *caption = text(tr("Real folder names always show under each place name. Press N on "
-                            "the map to name a territory yourself."),
-                         TextStyle::caption(), box, true);
+    toggle = new ToggleSwitch(label, box);
+    toggle->setFont(TextStyle::body());
+    column->addWidget(toggle);
+    auto *caption = text(explanation, TextStyle::caption(), box, true);
     caption->setWordWrap(true);
     column->addWidget(caption);
     return box;
 }
 
+QWidget *CharacterSheet::buildPlaceNames()
+{
+    QWidget *box = switchBox(m_placeNames, tr("Fantasy place names on the map"),
+                             tr("Real folder names always show under each place name. Press N "
+                                "on the map to name a territory yourself."));
+    m_placeNames->follow(m_game.fantasyNames());
+    connect(m_placeNames, &ToggleSwitch::toggled, this,
+            [this](bool on) { m_game.setFantasyNames(on); });
+    return box;
+}
+
 QWidget *CharacterSheet::buildMemory()
 {
-    auto *box = new QWidget(m_content);
-    auto *column = new QVBoxLayout(box);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(4);
-    m_remember = new ToggleSwitch(tr("Remember scans"), box);
-    m_remember->setFont(TextStyle::body());
+    QWidget *box = switchBox(m_remember, tr("Remember scans"),
+                             tr("Shows what grew since the last scan and opens a remembered folder "
+                                "at once. Kept in your cache folder, for the 8 most recent "
+                                "folders."));
     m_remember->follow(m_memory.enabled());
     connect(m_remember, &ToggleSwitch::toggled, this, [this](bool on) { m_memory.setEnabled(on); });
-    column->addWidget(m_remember);
-    auto *caption = text(tr("Shows what grew since the last scan and opens a remembered folder at "
-                            "once. Kept in your cache folder, for the 8 most recent folders."),
-                         TextStyle::caption(), box, true);
-    caption->setWordWrap(true);
-    column->addWidget(caption);
     m_forget = new QPushButton(tr("Forget remembered scans"), box);
     m_forget->setCursor(Qt::PointingHandCursor);
     m_forget->setMinimumSize(m_forget->sizeHint() + QSize(24, 6));
     connect(m_forget, &QPushButton::clicked, this, [this] { m_memory.forget(); });
-    column->addWidget(m_forget, 0, Qt::AlignLeft);
+    box->layout()->addWidget(m_forget);
+    box->layout()->setAlignment(m_forget, Qt::AlignLeft);
     return box;
 }
 

@@ -47,6 +47,7 @@ private:
     QWidget *buildHeader();
     QWidget *buildHeroGrid();
     QWidget *buildStatistics();
+    QWidget *switchBox(ToggleSwitch *&toggle, const QString &label, const QString &explanation);
     QWidget *buildPlaceNames();
     QWidget *buildMemory();
     QWidget *buildAchievements();
