@@ -17,6 +17,7 @@
 #include "ui/screens/TileMenu.h"
 #include "ui/screens/ToastView.h"
 #include "ui/screens/WelcomeView.h"
+#include "world/ui/WorldScene.h"
 #include "world/ui/WorldView.h"
 
 #include <QApplication>
@@ -35,6 +36,10 @@ void save(QWidget &w, const QString &name, Appearance::Scheme scheme)
 {
     const QString suffix =
         scheme == Appearance::Scheme::dark ? QStringLiteral("-dark") : QStringLiteral("-light");
+    for (WorldScene *scene : w.findChildren<WorldScene *>()) {
+        if (scene->isVisible())
+            scene->settle();
+    }
     w.grab().save(outDir + "/" + name + suffix + ".png");
 }
 

@@ -582,9 +582,9 @@ private Q_SLOTS:
         const NodePtr root = sampleLevel();
         const WorldLayout layout = build(root, QSizeF(1600, 1200));
         const Region &r = layout.regions[0];
-        QCOMPARE(WorldCanvas::labelAnchor(r).y() - r.capital.y(), 0.62 * 56 + 10);
+        QCOMPARE(IslandDrawing::labelAnchor(r).y() - r.capital.y(), 0.62 * 56 + 10);
         const Region plain = oneTerritory(QRectF(0, 0, 100, 100), {}, {}).regions[0];
-        QCOMPARE(WorldCanvas::labelAnchor(plain), plain.capital);
+        QCOMPARE(IslandDrawing::labelAnchor(plain), plain.capital);
     }
 };
 

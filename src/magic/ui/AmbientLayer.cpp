@@ -12,6 +12,7 @@
 namespace {
 
 constexpr int frameMs = 100; // 10 frames a second: motes drift and twinkle slowly
+constexpr int pacedMs = 50;  // how long a pace() holds back the layer's own frames
 const QColor warmMote = QColor::fromRgbF(1.0f, 0.9f, 0.45f);
 
 // A filled ellipse whose edge is softened over `blur` points on each side, centred on (0, 0).
@@ -53,7 +54,13 @@ AmbientLayer::AmbientLayer(bool reduceMotion, QWidget *parent)
     setAttribute(Qt::WA_NoSystemBackground);
     setFocusPolicy(Qt::NoFocus);
     m_frames.setInterval(frameMs);
-    connect(&m_frames, &QTimer::timeout, this, &AmbientLayer::nextFrame);
+    connect(&m_frames, &QTimer::timeout, this, [this] {
+        // Following the map's frames, the next one draws this frame along with its own.
+        if (m_paced.isValid() && m_paced.elapsed() < pacedMs)
+            m_due = true;
+        else
+            nextFrame();
+    });
     connect(&m_exposure, &WindowExposure::changed, this, &AmbientLayer::updateTimer);
     m_clock.start();
 }
@@ -94,6 +101,13 @@ void AmbientLayer::hideEvent(QHideEvent *event)
 {
     QWidget::hideEvent(event);
     updateTimer();
+}
+
+void AmbientLayer::pace()
+{
+    m_paced.start();
+    if (std::exchange(m_due, false))
+        nextFrame();
 }
 
 void AmbientLayer::nextFrame()

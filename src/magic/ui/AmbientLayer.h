@@ -29,6 +29,11 @@ public:
     // makes them repaint.
     void setCovered(const QRegion &covered);
 
+    // Called on each frame of something below that repaints anyway (the map while the hero
+    // walks): while these come, the layer's own frames wait for the next of them, so the two
+    // never paint apart.
+    void pace();
+
     // One frame at `t` seconds over a layer of `size`.
     void paintFrame(QPainter &painter, QSizeF size, double t, bool dark);
     // Only the part of that frame inside `area`.
@@ -48,6 +53,8 @@ private:
     const std::array<AmbientGeometry::Mote, AmbientGeometry::moteCount> m_motes;
     QTimer m_frames;
     QElapsedTimer m_clock;
+    QElapsedTimer m_paced; // since the last pace()
+    bool m_due = false;
     double m_frameTime = 0; // what every paint shows, in seconds
     struct SpriteKey
     {

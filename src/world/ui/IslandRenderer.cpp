@@ -1,6 +1,6 @@
 #include "world/ui/IslandRenderer.h"
 
-#include "world/ui/WorldCanvas.h"
+#include "world/ui/IslandDrawing.h"
 
 #include <QPainter>
 #include <QtConcurrent>
@@ -10,15 +10,14 @@ namespace {
 
 QImage draw(const IslandRenderer::Request &r)
 {
-    WorldCanvas canvas;
-    canvas.setWorld(r.layout(), r.title);
+    IslandDrawing island(std::make_shared<const WorldLayout>(r.layout()), r.title);
     QImage image(std::max(1, int(std::ceil(r.size.width() * r.dpr))),
                  std::max(1, int(std::ceil(r.size.height() * r.dpr))),
                  QImage::Format_ARGB32_Premultiplied);
     image.setDevicePixelRatio(r.dpr);
     image.fill(r.colors.sea);
     QPainter painter(&image);
-    canvas.paint(painter, r.colors, QRectF(QPointF(0, 0), QSizeF(r.size)));
+    island.paint(painter, r.colors, QRectF(QPointF(0, 0), QSizeF(r.size)));
     return image;
 }
 

@@ -1,176 +1,103 @@
 #include "world/ui/WorldCanvas.h"
 
-#include "platform/TabularDigits.h"
-#include "world/ui/Glow.h"
-#include "world/ui/GrowthMark.h"
-#include "world/ui/MapFonts.h"
-#include "world/ui/Terrain.h"
-
 #include <QPainter>
 #include <QPalette>
-#include <QPolygonF>
 #include <algorithm>
 #include <cmath>
 
-namespace {
+WorldCanvas::WorldCanvas() = default;
 
-constexpr int stretchSegments = 24;
-constexpr double labelHalfWidth = 300; // labels are centred and never clipped to their land
-
-QColor withAlpha(QColor c, double a)
-{
-    c.setAlphaF(float(a * c.alphaF()));
-    return c;
-}
-
-// `top` laid over opaque `base` at `opacity`.
-QColor over(const QColor &base, const QColor &top, double opacity)
-{
-    const auto mix = [opacity](float b, float t) { return float(b + (t - b) * opacity); };
-    return QColor::fromRgbF(mix(base.redF(), top.redF()), mix(base.greenF(), top.greenF()),
-                            mix(base.blueF(), top.blueF()));
-}
-
-QPen roundPen(const QColor &color, double width)
-{
-    return QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
-}
-
-bool near(const QRectF &box, const QRectF &area, double margin)
-{
-    return box.adjusted(-margin, -margin, margin, margin).intersects(area);
-}
-
-bool near(QPointF p, const QRectF &area, double margin)
-{
-    return p.x() >= area.left() - margin && p.x() <= area.right() + margin &&
-           p.y() >= area.top() - margin && p.y() <= area.bottom() + margin;
-}
-
-template<typename Out> void cut(const QPainterPath &path, Out &out)
-{
-    for (QPolygonF poly : path.toSubpathPolygons()) {
-        if (poly.size() < 2)
-            continue;
-        for (qsizetype i = 0; i + 1 < poly.size(); i += stretchSegments) {
-            const qsizetype end = std::min(i + stretchSegments, poly.size() - 1);
-            QPainterPath piece(poly[i]);
-            double left = poly[i].x(), right = left, top = poly[i].y(), bottom = top;
-            for (qsizetype j = i + 1; j <= end; ++j) {
-                piece.lineTo(poly[j]);
-                left = std::min(left, poly[j].x());
-                right = std::max(right, poly[j].x());
-                top = std::min(top, poly[j].y());
-                bottom = std::max(bottom, poly[j].y());
-            }
-            // Built by hand: uniting with a point (a null rectangle) would leave it out.
-            out.push_back({piece, QRectF(QPointF(left, top), QPointF(right, bottom))});
-        }
-    }
-}
-
-} // namespace
+WorldCanvas::~WorldCanvas() = default;
 
 void WorldCanvas::setWorld(const WorldLayout &layout, const QString &title)
 {
-    const bool sameGeometry =
-        sameGround(m_layout, layout) && m_outlines.size() == layout.regions.size();
+    const WorldLayout &was = m_drawing.layout();
+    const bool sameGround = IslandDrawing::sameGround(was, layout);
     std::vector<QRectF> dirty;
-    if (sameGeometry) {
+    if (sameGround) {
         for (std::size_t i = 0; i < layout.regions.size(); ++i) {
-            const Region &was = m_layout.regions[i];
+            const Region &before = was.regions[i];
             const Region &now = layout.regions[i];
-            if (was.explored != now.explored || was.bounties != now.bounties ||
-                was.title != now.title || was.subtitle != now.subtitle || was.grown != now.grown)
-                dirty.push_back(regionArea(i));
+            if (before.explored != now.explored || before.bounties != now.bounties ||
+                before.title != now.title || before.subtitle != now.subtitle ||
+                before.grown != now.grown)
+                dirty.push_back(m_drawing.regionArea(i));
         }
-        if (title != m_title)
-            dirty.push_back(realmTitleBox());
+        if (title != m_drawing.title())
+            dirty.push_back(m_drawing.realmTitleBox());
     }
-    const std::int64_t oldKey = m_layout.key;
-    const QString oldTitle = m_title;
-    m_layout = layout;
-    m_title = title;
-    if (!sameGeometry) {
-        prepare();
-        return;
-    }
+    const bool kept =
+        m_cached && m_cached->layoutKey == was.key && m_cached->title == m_drawing.title();
+    m_drawing.update(std::make_shared<const WorldLayout>(layout), title);
+    if (!sameGround)
+        return; // a new key: every tile is drawn again
     // Only the tiles around what changed (a territory discovered, renamed or given a bounty)
-    // are drawn again; the rest of the island stays.
-    if (m_cached && m_cached->layoutKey == oldKey && m_cached->title == oldTitle) {
-        std::erase_if(m_tiles, [&dirty](const auto &entry) {
-            const QRectF cell(entry.first.first * tileSize, entry.first.second * tileSize, tileSize,
-                              tileSize);
-            return std::any_of(dirty.begin(), dirty.end(),
-                               [&cell](const QRectF &d) { return d.intersects(cell); });
-        });
+    // are drawn again; until then they show what was there.
+    if (kept) {
+        for (auto &[cell, tile] : m_tiles) {
+            const QRectF area(QPointF(cell.first, cell.second) * tileSize,
+                              QSizeF(tileSize, tileSize));
+            if (std::any_of(dirty.begin(), dirty.end(),
+                            [&area](const QRectF &d) { return d.intersects(area); }))
+                tile.fresh = false;
+        }
         m_cached->layoutKey = layout.key;
         m_cached->title = title;
     }
-}
-
-bool WorldCanvas::sameGround(const WorldLayout &a, const WorldLayout &b)
-{
-    if (a.size != b.size || a.land != b.land || a.warp.phase() != b.warp.phase() ||
-        a.warp.zoom() != b.warp.zoom() || a.regions.size() != b.regions.size() ||
-        a.waves != b.waves)
-        return false;
-    for (std::size_t i = 0; i < a.regions.size(); ++i) {
-        const Region &x = a.regions[i];
-        const Region &y = b.regions[i];
-        if (x.rect != y.rect || x.capital != y.capital || x.tier != y.tier || x.shade != y.shade ||
-            x.scenery != y.scenery || x.clouds != y.clouds)
-            return false;
-    }
-    return true;
-}
-
-QRectF WorldCanvas::regionArea(std::size_t index) const
-{
-    const Region &r = m_layout.regions[index];
-    QRectF area = m_outlines[index].bounds.adjusted(-24, -24, 24, 24);
-    const QPointF label = labelAnchor(r);
-    area |= QRectF(label.x() - labelHalfWidth, label.y() - 24, 2 * labelHalfWidth, 64);
-    const QPointF bounty = bountyAnchor(r);
-    area |= QRectF(bounty.x() - 40, bounty.y() - 40, 80, 80);
-    const QPointF growth = GrowthMark::anchor(r);
-    area |= QRectF(growth.x() - 20, growth.y() - 20, 40, 40);
-    return area;
-}
-
-QRectF WorldCanvas::realmTitleBox() const
-{
-    const QRectF &land = m_layout.land;
-    const double y = std::max(land.top() * 0.5, 13.0);
-    return QRectF(land.left() + 4, y - 20, 1000, 40);
-}
-
-void WorldCanvas::prepare()
-{
-    m_coast.clear();
-    cut(m_layout.coast, m_coast);
-    m_rivers.clear();
-    for (const QPainterPath &river : m_layout.rivers) {
-        m_rivers.emplace_back();
-        cut(river, m_rivers.back());
-    }
-    m_outlines.clear();
-    for (const Region &r : m_layout.regions) {
-        Outline o{r.shape.boundingRect(), {}};
-        cut(r.shape, o.stretches);
-        m_outlines.push_back(std::move(o));
+    if (!dirty.empty()) {
+        ++m_generation;
+        m_islandSent = false;
     }
 }
 
-void WorldCanvas::draw(QPainter &painter, const QRectF &area, const QPalette &palette, qreal dpr)
+void WorldCanvas::drawInBackground(std::function<void(const QRectF &)> drawn)
+{
+    m_drawn = std::move(drawn);
+    m_renderer = std::make_unique<TileRenderer>();
+    QObject::connect(m_renderer.get(), &TileRenderer::drawn, m_renderer.get(),
+                     [this](int generation, Cell cell, const QImage &image) {
+                         tileDrawn(generation, cell, image);
+                     });
+}
+
+void WorldCanvas::draw(QPainter &painter, const QRectF &area, const QPalette &palette, qreal dpr,
+                       Missing missing)
+{
+    paintTiles(painter, area, WorldPalette::of(palette), dpr,
+               m_renderer && missing == Missing::later);
+}
+
+QImage WorldCanvas::image(const QPalette &palette, qreal dpr)
 {
     const WorldPalette colors = WorldPalette::of(palette);
-    const CacheKey key{m_layout.key, m_title, colors.dark, colors.ink.rgba(), dpr, m_layout.size};
-    if (!m_cached || !(*m_cached == key)) {
-        m_tiles.clear();
-        m_cached = key;
-    }
-    const QRectF world = area & QRectF(QPointF(0, 0), m_layout.size);
+    const QSizeF size = layout().size;
+    QImage out(std::max(1, int(std::ceil(size.width() * dpr))),
+               std::max(1, int(std::ceil(size.height() * dpr))),
+               QImage::Format_ARGB32_Premultiplied);
+    out.setDevicePixelRatio(dpr);
+    out.fill(colors.sea);
+    QPainter painter(&out);
+    paintTiles(painter, QRectF(QPointF(0, 0), size), colors, dpr, false);
+    return out;
+}
+
+void WorldCanvas::useKey(const WorldPalette &colors, qreal dpr)
+{
+    const CacheKey key{layout().key, title(), colors.dark, colors.ink.rgba(), dpr, layout().size};
+    if (m_cached && *m_cached == key)
+        return;
+    m_tiles.clear();
+    m_cached = key;
+    ++m_generation;
+    m_islandSent = false;
+}
+
+void WorldCanvas::paintTiles(QPainter &painter, const QRectF &area, const WorldPalette &colors,
+                             qreal dpr, bool background)
+{
+    useKey(colors, dpr);
+    const QSizeF size = layout().size;
+    const QRectF world = area & QRectF(QPointF(0, 0), size);
     if (world.isEmpty())
         return;
     const int c0 = int(std::floor(world.left() / tileSize));
@@ -183,12 +110,84 @@ void WorldCanvas::draw(QPainter &painter, const QRectF &area, const QPalette &pa
             const QRectF part = cell & world;
             if (part.isEmpty())
                 continue;
-            const QPixmap &pixmap = tile(column, row, colors, dpr);
-            painter.drawPixmap(part, pixmap,
-                               QRectF((part.topLeft() - cell.topLeft()) * dpr, part.size() * dpr));
+            const Cell at(column, row);
+            auto found = m_tiles.find(at);
+            if (background && found == m_tiles.end()) {
+                // Drawn straight onto the painter: a new image's memory is slow to touch.
+                painter.save();
+                painter.setClipRect(part, Qt::IntersectClip);
+                m_drawing.sketch(painter, colors, part);
+                painter.restore();
+                continue;
+            }
+            if (!background && (found == m_tiles.end() || !found->second.fresh)) {
+                found =
+                    m_tiles.insert_or_assign(at, Tile{m_drawing.image(cell, colors, dpr)}).first;
+                ++m_renders;
+            }
+            painter.drawImage(part, found->second.image,
+                              QRectF((part.topLeft() - cell.topLeft()) * dpr, part.size() * dpr));
         }
     }
+    if (background)
+        request(world, colors, dpr);
     evictAround(world.center());
+}
+
+void WorldCanvas::request(const QRectF &world, const WorldPalette &colors, qreal dpr)
+{
+    // The view first, then the ring around it, so walking on rarely meets a sketch.
+    const QSizeF size = layout().size;
+    const int columns = int(std::ceil(size.width() / tileSize));
+    const int rows = int(std::ceil(size.height() / tileSize));
+    const int c0 = int(std::floor(world.left() / tileSize));
+    const int c1 = int(std::ceil(world.right() / tileSize));
+    const int r0 = int(std::floor(world.top() / tileSize));
+    const int r1 = int(std::ceil(world.bottom() / tileSize));
+    std::vector<Cell> view;
+    std::vector<Cell> ring;
+    for (int row = std::max(0, r0 - 1); row <= std::min(r1, rows - 1); ++row) {
+        for (int column = std::max(0, c0 - 1); column <= std::min(c1, columns - 1); ++column) {
+            const auto found = m_tiles.find(Cell(column, row));
+            if (found != m_tiles.end() && found->second.fresh)
+                continue;
+            const bool inView = row >= r0 && row < r1 && column >= c0 && column < c1;
+            (inView ? view : ring).emplace_back(column, row);
+        }
+    }
+    view.insert(view.end(), ring.begin(), ring.end());
+    if (!m_islandSent) {
+        m_renderer->setIsland(island(colors, dpr));
+        m_islandSent = true;
+    }
+    m_renderer->want(std::move(view));
+}
+
+void WorldCanvas::settle(const QRectF &area, const QPalette &palette, qreal dpr)
+{
+    if (!m_renderer)
+        return;
+    const WorldPalette colors = WorldPalette::of(palette);
+    useKey(colors, dpr);
+    const QRectF world = area & QRectF(QPointF(0, 0), layout().size);
+    if (!world.isEmpty())
+        request(world, colors, dpr);
+    m_renderer->waitForIdle();
+}
+
+TileRenderer::Island WorldCanvas::island(const WorldPalette &colors, qreal dpr) const
+{
+    return {m_drawing.sharedLayout(), title(), colors, dpr, tileSize, m_generation};
+}
+
+void WorldCanvas::tileDrawn(int generation, Cell cell, const QImage &image)
+{
+    if (generation != m_generation)
+        return;
+    m_tiles.insert_or_assign(cell, Tile{image});
+    ++m_renders;
+    if (m_drawn)
+        m_drawn(QRectF(QPointF(cell.first, cell.second) * tileSize, QSizeF(tileSize, tileSize)));
 }
 
 void WorldCanvas::evictAround(QPointF centre)
@@ -197,7 +196,7 @@ void WorldCanvas::evictAround(QPointF centre)
         return;
     // Keep the tiles nearest the view; a big island at high zoom would otherwise hold hundreds
     // of megabytes of tiles walked past long ago.
-    std::vector<std::pair<double, std::pair<int, int>>> byDistance;
+    std::vector<std::pair<double, Cell>> byDistance;
     for (const auto &entry : m_tiles) {
         const QPointF c((entry.first.first + 0.5) * tileSize,
                         (entry.first.second + 0.5) * tileSize);
@@ -206,222 +205,4 @@ void WorldCanvas::evictAround(QPointF centre)
     std::sort(byDistance.begin(), byDistance.end());
     for (std::size_t i = tileLimit; i < byDistance.size(); ++i)
         m_tiles.erase(byDistance[i].second);
-}
-
-const QPixmap &WorldCanvas::tile(int column, int row, const WorldPalette &colors, qreal dpr)
-{
-    const auto at = std::make_pair(column, row);
-    const auto found = m_tiles.find(at);
-    if (found != m_tiles.end())
-        return found->second;
-    const int pixels = int(std::ceil(tileSize * dpr));
-    QPixmap pixmap(pixels, pixels);
-    pixmap.setDevicePixelRatio(dpr);
-    pixmap.fill(colors.sea);
-    {
-        QPainter painter(&pixmap);
-        const QRectF cell(column * tileSize, row * tileSize, tileSize, tileSize);
-        painter.translate(-cell.topLeft());
-        painter.setClipRect(cell);
-        paint(painter, colors, cell);
-    }
-    ++m_renders;
-    return m_tiles.emplace(at, std::move(pixmap)).first->second;
-}
-
-QImage WorldCanvas::image(const QPalette &palette, qreal dpr)
-{
-    QImage out(std::max(1, int(std::ceil(m_layout.size.width() * dpr))),
-               std::max(1, int(std::ceil(m_layout.size.height() * dpr))),
-               QImage::Format_ARGB32_Premultiplied);
-    out.setDevicePixelRatio(dpr);
-    out.fill(WorldPalette::of(palette).sea);
-    QPainter painter(&out);
-    draw(painter, QRectF(QPointF(0, 0), m_layout.size), palette, dpr);
-    return out;
-}
-
-QPointF WorldCanvas::labelAnchor(const Region &region)
-{
-    const double d = region.hasMonster() ? 0.62 * region.monsterSize() + 10 : 0;
-    return region.capital + QPointF(0, d);
-}
-
-QPointF WorldCanvas::bountyAnchor(const Region &region)
-{
-    // Up and to the right, so the marker keeps clear of both the monster and the label below it.
-    if (region.hasMonster()) {
-        const double size = region.monsterSize();
-        return region.capital + QPointF(0.75 * size, -0.55 * size);
-    }
-    return region.capital + QPointF(14, -14);
-}
-
-void WorldCanvas::strokeStretches(QPainter &painter, const std::vector<Stretch> &stretches,
-                                  const QPen &pen, const QRectF &area) const
-{
-    const double margin = pen.widthF() / 2 + 2;
-    for (const Stretch &s : stretches) {
-        if (near(s.bounds, area, margin))
-            painter.strokePath(s.path, pen);
-    }
-}
-
-void WorldCanvas::paint(QPainter &painter, const WorldPalette &colors, const QRectF &area)
-{
-    const WorldLayout &l = m_layout;
-    if (m_outlines.size() != l.regions.size())
-        prepare();
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setRenderHint(QPainter::TextAntialiasing);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-
-    painter.fillRect(area & QRectF(QPointF(0, 0), l.size), colors.sea);
-    for (const QPointF &w : l.waves) {
-        if (near(w, area, 14))
-            m_stamps.drawEmoji(painter, QStringLiteral("〰"), w, 12, colors.waves);
-    }
-    strokeStretches(painter, m_coast, roundPen(colors.coast, 18), area);
-
-    paintTerritories(painter, colors, area);
-
-    for (const auto &river : m_rivers) {
-        strokeStretches(painter, river, roundPen(colors.coast, 7), area);
-        strokeStretches(painter, river, roundPen(colors.river, 3.5), area);
-    }
-
-    for (std::size_t i = 0; i < l.regions.size(); ++i) {
-        const Region &r = l.regions[i];
-        if (r.explored || !near(m_outlines[i].bounds, area, 20))
-            continue;
-        painter.fillPath(r.shape, colors.fog);
-        for (const QPointF &c : r.clouds) {
-            if (near(c, area, 20))
-                m_stamps.drawEmoji(painter, QStringLiteral("☁️"), c, 18);
-        }
-    }
-
-    QPen dashed(colors.border, 1, Qt::CustomDashLine, Qt::FlatCap, Qt::RoundJoin);
-    dashed.setDashPattern({5, 3});
-    for (std::size_t i = 0; i < l.regions.size(); ++i) {
-        if (near(m_outlines[i].bounds, area, 2))
-            painter.strokePath(l.regions[i].shape, dashed);
-    }
-    strokeStretches(painter, m_coast, roundPen(colors.border, 1.5), area);
-
-    paintLabels(painter, colors, area);
-    paintBounties(painter, area);
-    GrowthMark::paint(painter, m_stamps, l.regions, area);
-    paintRealmTitle(painter, colors, area);
-    const QPointF compass(26, l.size.height() - 26);
-    if (near(compass, area, 30))
-        m_stamps.drawEmoji(painter, QStringLiteral("🧭"), compass, 26);
-    painter.restore();
-}
-
-void WorldCanvas::paintTerritories(QPainter &painter, const WorldPalette &colors,
-                                   const QRectF &area)
-{
-    const QPen rim(QColor(0, 0, 0, 31), 8, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin);
-    for (std::size_t i = 0; i < m_layout.regions.size(); ++i) {
-        const Region &r = m_layout.regions[i];
-        const Outline &outline = m_outlines[i];
-        if (r.shape.isEmpty() || !near(outline.bounds, area, 2))
-            continue;
-        // The shade is a veil of black or white over opaque land: one fill of the blend.
-        const QColor land = colors.land(r.tier);
-        painter.fillPath(r.shape, r.shade < 0   ? over(land, Qt::black, -r.shade)
-                                  : r.shade > 0 ? over(land, Qt::white, r.shade)
-                                                : land);
-        painter.save();
-        painter.setClipPath(r.shape, Qt::IntersectClip);
-        strokeStretches(painter, outline.stretches, rim, area);
-        painter.restore();
-
-        if (r.explored && !r.scenery.empty()) {
-            const QString sign = Terrain::sign(r.tier);
-            painter.setOpacity(0.75);
-            for (const QPointF &s : r.scenery) {
-                if (near(s, area, 14))
-                    m_stamps.drawEmoji(painter, sign, s, 13);
-            }
-            painter.setOpacity(1);
-        }
-    }
-}
-
-void WorldCanvas::paintLabels(QPainter &painter, const WorldPalette &colors, const QRectF &area)
-{
-    const QFont titleFont = MapFonts::serif(13, QFont::DemiBold);
-    const QFont subtitleFont = MapFonts::system(10);
-    const QFontMetricsF titleMetrics(titleFont);
-    const QFontMetricsF subtitleMetrics(subtitleFont);
-    for (const Region &r : m_layout.regions) {
-        if (!r.hasLabel())
-            continue;
-        const QPointF at = labelAnchor(r);
-        const QRectF titleBox(at.x() - labelHalfWidth, at.y() - 20, 2 * labelHalfWidth, 40);
-        if (!near(titleBox, area, 0))
-            continue;
-        // Long names end in "…" within their own territory rather than run over the next one.
-        const double width = std::min(r.rect.width() - 8, 2 * labelHalfWidth);
-        const WorldPalette::Label label = colors.label(r.tier, r.explored);
-        Glow::drawText(painter, titleBox, Qt::AlignCenter,
-                       titleMetrics.elidedText(r.title, Qt::ElideRight, width), titleFont,
-                       label.text, label.halo, 2);
-        if (r.rect.height() > 76 && !r.subtitle.isEmpty()) {
-            painter.save();
-            painter.setOpacity(0.9);
-            painter.setFont(subtitleFont);
-            painter.setPen(label.text);
-            TabularDigits::draw(painter, titleBox.translated(0, 15), Qt::AlignCenter,
-                                subtitleMetrics.elidedText(r.subtitle, Qt::ElideRight, width));
-            painter.restore();
-        }
-    }
-}
-
-void WorldCanvas::paintBounties(QPainter &painter, const QRectF &area)
-{
-    const QColor gold = QColor::fromRgbF(1.0f, 0.8f, 0.2f, 0.9f);
-    const QString bag = QStringLiteral("💰");
-    std::optional<QImage> glow;
-    const QFont badgeFont = MapFonts::system(9, QFont::Black);
-    for (const Region &r : m_layout.regions) {
-        if (r.bounties < 1 || r.shortSide() <= 30)
-            continue;
-        const QPointF at = bountyAnchor(r);
-        if (!near(at, area, 40))
-            continue;
-        if (!glow)
-            glow = Glow::shadow(m_stamps.emoji(bag, 17, Stamps::scaleOf(painter)), gold, 5);
-        const double w = glow->width() / glow->devicePixelRatio();
-        const double h = glow->height() / glow->devicePixelRatio();
-        painter.drawImage(QRectF(at.x() - w / 2, at.y() - h / 2, w, h), *glow);
-        m_stamps.drawEmoji(painter, bag, at, 17);
-        if (r.bounties > 1) {
-            const QPointF badge = at + QPointF(12, 8);
-            const QRectF box(badge.x() - 8, badge.y() - 7, 16, 14);
-            QPainterPath pill;
-            pill.addRoundedRect(box, 7, 7);
-            painter.fillPath(pill, QColor::fromRgbF(0.85f, 0.25f, 0.2f));
-            painter.setFont(badgeFont);
-            painter.setPen(Qt::white);
-            painter.drawText(box.adjusted(-8, 0, 8, 0), Qt::AlignCenter,
-                             QString::number(r.bounties));
-        }
-    }
-}
-
-void WorldCanvas::paintRealmTitle(QPainter &painter, const WorldPalette &colors, const QRectF &area)
-{
-    if (m_title.isEmpty())
-        return;
-    const QRectF box = realmTitleBox();
-    if (!near(box, area, 8))
-        return;
-    Glow::drawText(painter, box, Qt::AlignLeft | Qt::AlignVCenter, m_title,
-                   MapFonts::serif(16, QFont::Bold), colors.ink, withAlpha(colors.labelShadow, 0.7),
-                   3);
 }

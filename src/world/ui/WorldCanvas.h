@@ -1,50 +1,56 @@
 #pragma once
 
 #include "world/WorldLayout.h"
-#include "world/ui/Stamps.h"
-#include "world/ui/WorldPalette.h"
+#include "world/ui/IslandDrawing.h"
+#include "world/ui/TileRenderer.h"
 
 #include <QImage>
-#include <QPixmap>
 #include <QString>
 #include <cstdint>
+#include <functional>
 #include <map>
+#include <memory>
 #include <optional>
-#include <utility>
 #include <vector>
 
 class QPainter;
 class QPalette;
 
-// The island of one layout: sea, waves, coast, territories, rivers, fog, borders, labels, bounty
-// markers, the realm's title and the compass. Drawn into cached tiles that are reused until the
-// layout's key, the title, the appearance, the resolution or the size change, so walking and
-// animating over the island never redraw it; only the tiles in view are ever drawn.
+// The island of one layout, kept in square tiles that are reused until the layout's key, the
+// title, the appearance, the resolution or the size change, so walking and animating over the
+// island never redraw it; only the tiles in view are ever drawn. A territory discovered,
+// renamed or given a bounty redraws only the tiles around it.
 class WorldCanvas
 {
 public:
     static constexpr int tileSize = 512;
-    static constexpr std::size_t tileLimit = 40; // tiles kept; a view needs about twelve
+    static constexpr std::size_t tileLimit = 40; // tiles kept; a view and the ring around it
+
+    WorldCanvas();
+    ~WorldCanvas();
+    WorldCanvas(const WorldCanvas &) = delete;
+    WorldCanvas &operator=(const WorldCanvas &) = delete;
 
     void setWorld(const WorldLayout &layout, const QString &title);
-    [[nodiscard]] const WorldLayout &layout() const { return m_layout; }
-    [[nodiscard]] const QString &title() const { return m_title; }
+    [[nodiscard]] const WorldLayout &layout() const { return m_drawing.layout(); }
+    [[nodiscard]] const QString &title() const { return m_drawing.title(); }
 
-    // Copies the island within `area` (world coordinates) onto a painter in world coordinates,
-    // drawing the tiles it lacks first.
-    void draw(QPainter &painter, const QRectF &area, const QPalette &palette, qreal dpr);
-    // The whole island as one image, through the same tiles.
+    // From now on, tiles `draw` lacks are drawn on a worker: meanwhile the land shows in its
+    // plain colours (or as it was before a change), and `drawn` is told each tile's world area
+    // as it arrives. The tiles around the view are drawn ahead.
+    void drawInBackground(std::function<void(const QRectF &)> drawn);
+    enum class Missing { now, later };
+    // Copies the island within `area` (world coordinates) onto a painter in world coordinates;
+    // tiles it lacks are drawn first, or later in the background if that was asked for.
+    void draw(QPainter &painter, const QRectF &area, const QPalette &palette, qreal dpr,
+              Missing missing);
+    // Has the background draw what `area` lacks and waits for it (for screenshots and tests).
+    void settle(const QRectF &area, const QPalette &palette, qreal dpr);
+    // The whole island as one image, every tile drawn at once.
     [[nodiscard]] QImage image(const QPalette &palette, qreal dpr);
-    // Paints the island within `area` straight onto a painter in world coordinates, uncached.
-    void paint(QPainter &painter, const WorldPalette &colors, const QRectF &area);
 
     // How many tiles have been drawn so far.
     [[nodiscard]] int renders() const { return m_renders; }
-
-    // Where a territory's label sits: below its monster, or on its capital without one.
-    [[nodiscard]] static QPointF labelAnchor(const Region &region);
-    // The centre of a territory's bounty marker.
-    [[nodiscard]] static QPointF bountyAnchor(const Region &region);
 
 private:
     struct CacheKey
@@ -57,40 +63,27 @@ private:
         QSizeF size;
         bool operator==(const CacheKey &) const = default;
     };
-    // A short stretch of a long line. Long antialiased strokes are slow to fill, and a tile
-    // only needs the stretches that cross it.
-    struct Stretch
+    struct Tile
     {
-        QPainterPath path;
-        QRectF bounds;
+        QImage image;
+        bool fresh = true; // false: drawn before a change, shown until its redrawing comes
     };
-    struct Outline
-    {
-        QRectF bounds;
-        std::vector<Stretch> stretches;
-    };
+    using Cell = TileRenderer::Cell;
 
-    // Whether two layouts lay out the same ground, differing at most in what is drawn on it.
-    [[nodiscard]] static bool sameGround(const WorldLayout &a, const WorldLayout &b);
-    [[nodiscard]] QRectF regionArea(std::size_t index) const;
-    [[nodiscard]] QRectF realmTitleBox() const;
-    void prepare();
+    void useKey(const WorldPalette &colors, qreal dpr);
+    void paintTiles(QPainter &painter, const QRectF &area, const WorldPalette &colors, qreal dpr,
+                    bool background);
+    void request(const QRectF &world, const WorldPalette &colors, qreal dpr);
     void evictAround(QPointF centre);
-    [[nodiscard]] const QPixmap &tile(int column, int row, const WorldPalette &colors, qreal dpr);
-    void strokeStretches(QPainter &painter, const std::vector<Stretch> &stretches, const QPen &pen,
-                         const QRectF &area) const;
-    void paintTerritories(QPainter &painter, const WorldPalette &colors, const QRectF &area);
-    void paintLabels(QPainter &painter, const WorldPalette &colors, const QRectF &area);
-    void paintBounties(QPainter &painter, const QRectF &area);
-    void paintRealmTitle(QPainter &painter, const WorldPalette &colors, const QRectF &area);
+    [[nodiscard]] TileRenderer::Island island(const WorldPalette &colors, qreal dpr) const;
+    void tileDrawn(int generation, Cell cell, const QImage &image);
 
-    WorldLayout m_layout;
-    QString m_title;
-    std::vector<Stretch> m_coast;
-    std::vector<std::vector<Stretch>> m_rivers;
-    std::vector<Outline> m_outlines; // one per region
+    IslandDrawing m_drawing;
     std::optional<CacheKey> m_cached;
-    std::map<std::pair<int, int>, QPixmap> m_tiles;
+    std::map<Cell, Tile> m_tiles;
     int m_renders = 0;
-    Stamps m_stamps;
+    int m_generation = 0; // bumped whenever what the tiles show changes
+    bool m_islandSent = false;
+    std::unique_ptr<TileRenderer> m_renderer;
+    std::function<void(const QRectF &)> m_drawn;
 };

@@ -30,7 +30,10 @@ WorldScene::WorldScene(Model &model, Game &game, Player &player, bool reduceMoti
     setFocusPolicy(Qt::NoFocus);
     m_frames.setInterval(framePeriod);
     m_frames.setTimerType(Qt::PreciseTimer);
-    connect(&m_frames, &QTimer::timeout, this, &WorldScene::frame);
+    connect(&m_frames, &QTimer::timeout, this, [this] {
+        if (!m_player.ticking())
+            frame();
+    });
     connect(&m_exposure, &WindowExposure::changed, this, [this] {
         if (m_exposure.seen())
             startFrames(); // stops again at once when nothing moves
@@ -53,6 +56,7 @@ WorldScene::WorldScene(Model &model, Game &game, Player &player, bool reduceMoti
         startFrames();
     });
     connect(&m_model, &Model::dyingChanged, this, &WorldScene::dyingChanged);
+    m_canvas.drawInBackground([this](const QRectF &area) { updateWorldRect(area); });
 }
 
 QPointF WorldScene::offset() const
@@ -114,7 +118,12 @@ void WorldScene::heroMoved()
         updateWorldRect(hero | m_lastHero);
     }
     m_hero->place(o);
-    startFrames();
+    // While the hero walks, its own timer paces the frames: one paint a tick, with the prompt
+    // and the mini-map it moved; a second timer out of step with it would paint twice.
+    if (m_player.ticking())
+        frame();
+    else
+        startFrames();
 }
 
 void WorldScene::regionChanged()
@@ -154,6 +163,7 @@ void WorldScene::frame()
         any = true;
         dirty.push_back(m_hero->bounds(now) | m_lastHero);
     }
+    Q_EMIT ticked();
     if (!any) {
         m_frames.stop();
         paintDue();
@@ -189,13 +199,13 @@ void WorldScene::paintEvent(QPaintEvent *event)
     const QRegion &dirty = event->region();
     if ((QRegion(rect()) - dirty).isEmpty()) {
         m_stale = rect();
-        paintFrame(painter, dirty);
+        paintFrame(painter, dirty, WorldCanvas::Missing::later);
         return;
     }
     if (!m_stale.isEmpty()) {
         QPainter view(&m_view);
         view.setClipRegion(m_stale);
-        paintFrame(view, m_stale);
+        paintFrame(view, m_stale, WorldCanvas::Missing::later);
         m_stale = {};
     }
     for (const QRect &r : dirty)
@@ -222,10 +232,17 @@ void WorldScene::paintDue()
 
 void WorldScene::paintFrame(QPainter &painter, const QRectF &viewRect)
 {
-    paintFrame(painter, QRegion(viewRect.toAlignedRect()));
+    paintFrame(painter, QRegion(viewRect.toAlignedRect()), WorldCanvas::Missing::now);
 }
 
-void WorldScene::paintFrame(QPainter &painter, const QRegion &dirty)
+void WorldScene::settle()
+{
+    m_canvas.settle(QRectF(rect()).translated(-offset()), palette(), devicePixelRatioF());
+    // The tiles came in while waiting; the scene's kept image still holds their sketches.
+    invalidate(rect());
+}
+
+void WorldScene::paintFrame(QPainter &painter, const QRegion &dirty, WorldCanvas::Missing missing)
 {
     const WorldPalette colors = WorldPalette::of(palette());
     const QColor ink = Appearance::ink(palette());
@@ -246,15 +263,16 @@ void WorldScene::paintFrame(QPainter &painter, const QRegion &dirty)
         const QRectF world = QRectF(piece).translated(-o) & land;
         if (!world.isEmpty()) {
             painter.translate(o);
-            paintLand(painter, world, ink, now);
+            paintLand(painter, world, ink, now, missing);
         }
         painter.restore();
     }
 }
 
-void WorldScene::paintLand(QPainter &painter, const QRectF &world, const QColor &ink, double now)
+void WorldScene::paintLand(QPainter &painter, const QRectF &world, const QColor &ink, double now,
+                           WorldCanvas::Missing missing)
 {
-    m_canvas.draw(painter, world, palette(), devicePixelRatioF());
+    m_canvas.draw(painter, world, palette(), devicePixelRatioF(), missing);
     for (const MonsterSprite &s : m_sprites) {
         if (s.death() || s.bounds().intersects(world))
             s.paint(painter, m_stamps, now, m_reduceMotion);

@@ -45,10 +45,16 @@ public:
     // The world's translation in this widget, rounded to whole device pixels.
     [[nodiscard]] QPointF offset() const;
 
-    // Paints one frame of everything into `painter`, as the widget does for `viewRect`.
+    // Paints one frame of everything into `painter`, as the widget does for `viewRect`, with
+    // every tile of the island drawn.
     void paintFrame(QPainter &painter, const QRectF &viewRect);
-    // Only `dirty` changes; a painter on the scene is clipped to it already.
-    void paintFrame(QPainter &painter, const QRegion &dirty);
+    // The island's tiles are drawn in the background: waits until the view has all of them
+    // (for screenshots and tests).
+    void settle();
+
+Q_SIGNALS:
+    // A frame of the scene's own is about to be painted.
+    void ticked();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -57,8 +63,11 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
+    // Only `dirty` changes; a painter on the scene is clipped to it already.
+    void paintFrame(QPainter &painter, const QRegion &dirty, WorldCanvas::Missing missing);
     // The land part of a piece of the view, `world` in world coordinates, painter translated.
-    void paintLand(QPainter &painter, const QRectF &world, const QColor &ink, double now);
+    void paintLand(QPainter &painter, const QRectF &world, const QColor &ink, double now,
+                   WorldCanvas::Missing missing);
     void heroMoved();
     void regionChanged();
     void dyingChanged();

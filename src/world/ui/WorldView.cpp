@@ -49,6 +49,7 @@ WorldView::WorldView(Model &model, Game &game, Magic &magic, bool reduceMotion,
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_AcceptTouchEvents, false);
     m_ambient->setAttribute(Qt::WA_TransparentForMouseEvents);
+    connect(m_scene, &WorldScene::ticked, m_ambient, &AmbientLayer::pace);
     for (QAbstractButton *b : m_spellBar->findChildren<QAbstractButton *>())
         b->setFocusPolicy(Qt::NoFocus);
     m_spellBar->setFocusPolicy(Qt::NoFocus);
