@@ -22,7 +22,7 @@ int dustmere_run_window(int argc, char *argv[], const CommandLine *commandLine)
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Dustmere"));
     QApplication::setApplicationVersion(QStringLiteral(DUSTMERE_VERSION));
-    QApplication::setDesktopFileName(QStringLiteral("dustmere"));
+    QApplication::setDesktopFileName(QStringLiteral(DUSTMERE_APP_ID));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/dustmere.svg")));
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     // --appearance= wins; otherwise the desktop's preference, followed live, or failing that
