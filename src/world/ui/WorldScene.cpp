@@ -11,6 +11,7 @@
 #include <QEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QtConcurrent>
 #include <cmath>
 #include <map>
 #include <utility>
@@ -57,6 +58,7 @@ WorldScene::WorldScene(Model &model, Game &game, Player &player, bool reduceMoti
     });
     connect(&m_model, &Model::dyingChanged, this, &WorldScene::dyingChanged);
     m_canvas.drawInBackground([this](const QRectF &area) { updateWorldRect(area); });
+    connect(&m_viewMaker, &QFutureWatcherBase::finished, this, &WorldScene::viewMade);
 }
 
 QPointF WorldScene::offset() const
@@ -191,13 +193,12 @@ void WorldScene::paintEvent(QPaintEvent *event)
     const double dpr = devicePixelRatioF();
     const QSize pixels = (QSizeF(size()) * dpr).toSize();
     if (m_view.size() != pixels || m_view.devicePixelRatio() != dpr) {
-        m_view = QImage(pixels, QImage::Format_RGB32);
-        m_view.setDevicePixelRatio(dpr);
-        m_stale = rect();
+        m_view = QImage();
+        makeView(pixels, dpr);
     }
     QPainter painter(this);
     const QRegion &dirty = event->region();
-    if ((QRegion(rect()) - dirty).isEmpty()) {
+    if ((QRegion(rect()) - dirty).isEmpty() || m_view.isNull()) {
         m_stale = rect();
         paintFrame(painter, dirty, WorldCanvas::Missing::later);
         return;
@@ -210,6 +211,33 @@ void WorldScene::paintEvent(QPaintEvent *event)
     }
     for (const QRect &r : dirty)
         painter.drawImage(r, m_view, QRectF(QRectF(r).topLeft() * dpr, QSizeF(r.size()) * dpr));
+}
+
+// A new image's memory is slow to touch the first time (megabytes of page faults): a worker
+// makes the kept image and touches it; until then, spots are painted straight.
+void WorldScene::makeView(QSize pixels, double dpr)
+{
+    if (m_viewMaker.isRunning())
+        return; // its image is checked against the size when it comes
+    m_viewMaker.setFuture(QtConcurrent::run([pixels, dpr] {
+        QImage view(pixels, QImage::Format_RGB32);
+        view.setDevicePixelRatio(dpr);
+        view.fill(Qt::black);
+        return view;
+    }));
+}
+
+void WorldScene::viewMade()
+{
+    // Taken, not copied: a copy would share it, and the first paint would copy it all again.
+    QImage view = m_viewMaker.future().takeResult();
+    const double dpr = devicePixelRatioF();
+    if (view.size() != (QSizeF(size()) * dpr).toSize() || view.devicePixelRatio() != dpr) {
+        update(); // the size changed meanwhile; the next paint asks again
+        return;
+    }
+    m_view = std::move(view);
+    m_stale = rect();
 }
 
 void WorldScene::invalidate(const QRect &area)

@@ -7,6 +7,7 @@
 #include "world/ui/Stamps.h"
 #include "world/ui/WorldCanvas.h"
 
+#include <QFutureWatcher>
 #include <QImage>
 #include <QRegion>
 #include <QTimer>
@@ -77,6 +78,8 @@ private:
     // Repaints `area` (widget coordinates) because the scene changed there.
     void invalidate(const QRect &area);
     void paintDue();
+    void makeView(QSize pixels, double dpr);
+    void viewMade();
 
     Model &m_model;
     Game &m_game;
@@ -92,7 +95,8 @@ private:
     QPointF m_lastOffset;
     QRectF m_lastHero;
     QRectF m_lastHighlight;
-    QImage m_view; // what the widget shows, where m_stale does not say otherwise
+    QImage m_view; // what the widget shows, where m_stale does not say otherwise; null until made
+    QFutureWatcher<QImage> m_viewMaker;
     QRegion m_stale;
     QRegion m_due; // to repaint at the next frame
 };
