@@ -2,8 +2,10 @@
 
 #include "scan/Scanner.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
+#include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -39,18 +41,27 @@ std::uint64_t allocatedBytes(const struct stat &st)
 
 constexpr std::size_t entryBufferBytes = 64 * 1024;
 
+double processCpuSeconds()
+{
+    timespec t{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+    return double(t.tv_sec) + double(t.tv_nsec) / 1e9;
+}
+
 } // namespace
 
 class SharedWalk::Worker
 {
 public:
-    explicit Worker(SharedWalk &walk) : m_walk(walk) {}
+    Worker(SharedWalk &walk, int index) : m_walk(walk), m_index(index) {}
 
     void run()
     {
         Task task;
-        while (m_walk.nextTask(m_local, task)) {
+        while (m_walk.nextTask(m_index, m_local, task)) {
             list(std::move(task));
+            if (m_index == 0)
+                m_walk.adjust();
             if (m_walk.m_stopped.load(std::memory_order_relaxed)) {
                 for (Task &dropped : m_local)
                     m_walk.settle(std::move(dropped.folder));
@@ -167,6 +178,7 @@ private:
     }
 
     SharedWalk &m_walk;
+    const int m_index;
     std::vector<char> m_entries = std::vector<char>(entryBufferBytes);
     std::deque<Task> m_local; // depth-first from the back; the front is shared with idle workers
     std::int64_t m_files = 0;
@@ -175,8 +187,9 @@ private:
     std::int64_t m_tooLong = 0;
 };
 
-SharedWalk::SharedWalk(Scanner &scanner, int workers)
-    : m_scanner(scanner), m_workers(std::max(workers, 1))
+SharedWalk::SharedWalk(Scanner &scanner, int cores, int workers)
+    : m_scanner(scanner), m_cores(std::max(cores, 1)), m_workers(std::max(workers, m_cores)),
+      m_allowed(m_cores)
 {}
 
 SharedWalk::~SharedWalk() = default;
@@ -194,10 +207,32 @@ void SharedWalk::run(const std::vector<NodePtr> &topLevel, const Mounts::PathSet
     }
     m_queued = m_queue.size();
 
-    m_scanner.runWorkers(m_workers, [this] { Worker(*this).run(); });
+    m_sampledAt = std::chrono::steady_clock::now();
+    m_sampledCpu = processCpuSeconds();
+    std::atomic<int> index = 0;
+    m_scanner.runWorkers(m_workers, [this, &index] { Worker(*this, index++).run(); });
 }
 
-bool SharedWalk::nextTask(std::deque<Task> &local, Task &task)
+void SharedWalk::adjust()
+{
+    const auto now = std::chrono::steady_clock::now();
+    const std::chrono::duration<double> wall = now - m_sampledAt;
+    if (wall < sampleInterval || m_allowed.load(std::memory_order_relaxed) >= m_workers)
+        return;
+    const double cpu = processCpuSeconds();
+    const double busy = (cpu - m_sampledCpu) / (wall.count() * m_cores);
+    m_sampledAt = now;
+    m_sampledCpu = cpu;
+    // Cores left idle mean the walkers wait on the disk: more of them keep more requests in
+    // flight. A cached tree keeps the cores busy and the walkers few.
+    if (busy < idleBelow) {
+        std::lock_guard guard(m_queueLock);
+        m_allowed.store(std::min(m_workers, 2 * m_allowed.load()));
+        m_queueChanged.notify_all();
+    }
+}
+
+bool SharedWalk::nextTask(int worker, std::deque<Task> &local, Task &task)
 {
     if (!local.empty()) {
         task = std::move(local.back());
@@ -207,7 +242,8 @@ bool SharedWalk::nextTask(std::deque<Task> &local, Task &task)
     std::unique_lock lock(m_queueLock);
     ++m_idle;
     for (;;) {
-        if (!m_queue.empty() && !m_stopped.load(std::memory_order_relaxed)) {
+        if (!m_queue.empty() && worker < m_allowed.load(std::memory_order_relaxed) &&
+            !m_stopped.load(std::memory_order_relaxed)) {
             --m_idle;
             task = std::move(m_queue.front());
             m_queue.pop_front();
@@ -235,7 +271,11 @@ void SharedWalk::share(std::deque<Task> &local)
         m_queued.store(m_queue.size(), std::memory_order_relaxed);
     }
     local.pop_front();
-    m_queueChanged.notify_one();
+    // A walker not yet let in would take the wake-up and go back to sleep.
+    if (m_allowed.load(std::memory_order_relaxed) < m_workers)
+        m_queueChanged.notify_all();
+    else
+        m_queueChanged.notify_one();
 }
 
 void SharedWalk::settle(std::shared_ptr<Folder> folder)

@@ -4,6 +4,7 @@
 #include "scan/Node.h"
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <memory>
@@ -17,11 +18,12 @@ class Scanner;
 // entry) and lets any idle worker take any pending sub-folder, so a single huge top-level folder
 // still keeps every core busy. It counts what the fts walk counts: same nodes, same loose
 // counters, same order of children, and a top-level folder is reported completed only once its
-// whole subtree is finished.
+// whole subtree is finished. It starts with a walker a core and adds more while the cores sit
+// idle, which is what waiting on a cold disk looks like.
 class SharedWalk
 {
 public:
-    SharedWalk(Scanner &scanner, int workers);
+    SharedWalk(Scanner &scanner, int cores, int workers);
     ~SharedWalk();
     SharedWalk(const SharedWalk &) = delete;
     SharedWalk &operator=(const SharedWalk &) = delete;
@@ -39,13 +41,22 @@ private:
     };
     class Worker;
 
-    [[nodiscard]] bool nextTask(std::deque<Task> &local, Task &task);
+    static constexpr std::chrono::milliseconds sampleInterval{20};
+    static constexpr double idleBelow = 0.75; // share of the cores' time the walk uses
+
+    [[nodiscard]] bool nextTask(int worker, std::deque<Task> &local, Task &task);
+    // Lets more walkers take work while the cores are idle; called by one walker only.
+    void adjust();
     void share(std::deque<Task> &local);
     void settle(std::shared_ptr<Folder> folder);
     void stop();
 
     Scanner &m_scanner;
-    const int m_workers;
+    const int m_cores;
+    const int m_workers;        // threads started
+    std::atomic<int> m_allowed; // of them, those that may take work
+    std::chrono::steady_clock::time_point m_sampledAt;
+    double m_sampledCpu = 0;
     std::atomic<bool> m_stopped{false};
 
     std::mutex m_queueLock;

@@ -23,7 +23,7 @@ constexpr double edgeInset = 6;
 constexpr double footstepInterval = 0.3;
 constexpr double sprintFootstepInterval = 0.2;
 constexpr double floaterLife = 1.8;
-constexpr auto tickPeriod = std::chrono::milliseconds(16);
+constexpr auto tickPeriod = std::chrono::milliseconds(17); // the map paints a frame a tick
 
 double axisOffset(double view, double world, double hero)
 {

@@ -96,7 +96,7 @@ void TileRenderer::finished()
     if (!m_drawing || !m_watcher.isFinished())
         return;
     const auto [generation, cell] = *std::exchange(m_drawing, std::nullopt);
-    const QImage image = m_watcher.future().takeResult();
+    const QImage image = m_watcher.result();
     startNext();
     Q_EMIT drawn(generation, cell, image);
 }

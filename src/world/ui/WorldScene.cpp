@@ -18,7 +18,8 @@
 
 namespace {
 
-constexpr auto framePeriod = std::chrono::milliseconds(16);
+// A touch slower than a 60 Hz display: a frame painted faster would never be shown.
+constexpr auto framePeriod = std::chrono::milliseconds(17);
 
 } // namespace
 
@@ -230,6 +231,7 @@ void WorldScene::makeView(QSize pixels, double dpr)
 void WorldScene::viewMade()
 {
     // Taken, not copied: a copy would share it, and the first paint would copy it all again.
+    // (Taking leaves the future unfinished for good: never wait on it afterwards.)
     QImage view = m_viewMaker.future().takeResult();
     const double dpr = devicePixelRatioF();
     if (view.size() != (QSizeF(size()) * dpr).toSize() || view.devicePixelRatio() != dpr) {
